@@ -1,0 +1,91 @@
+#include "zo_tv_support.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "temp_dir.h"
+
+namespace {
+
+std::vector<std::string> AllRows(const ZoFile& file)
+{
+    std::vector<std::string> rows;
+    while (!file.IsEOF()) {
+        rows.push_back(file.NextRow());
+    }
+    return rows;
+}
+
+TEST(ZoFile, SplitsAtLineFeedsKeepingCarriageReturns)
+{
+    TempDir dir;
+    ZoFile file;
+    ASSERT_EQ(file.Init(dir.Write("a", "one\r\n\ntwo\nlast"), "r"), 0);
+    EXPECT_EQ(file.GetIOExceptionStatus(), 0);
+    EXPECT_FALSE(file.IsEmpty());
+    EXPECT_EQ(AllRows(file), (std::vector<std::string>{"one\r", "", "two", "last"}));
+
+    ZoFile trailing;
+    trailing.Init(dir.Write("b", "x\n"), "r");
+    EXPECT_EQ(AllRows(trailing), (std::vector<std::string>{"x"}));
+
+    ZoFile onlyFeed;
+    onlyFeed.Init(dir.Write("c", "\n"), "r");
+    EXPECT_EQ(AllRows(onlyFeed), (std::vector<std::string>{""}));
+
+    ZoFile empty;
+    empty.Init(dir.Write("d", ""), "r");
+    EXPECT_TRUE(empty.IsEmpty());
+    EXPECT_TRUE(empty.IsEOF());
+}
+
+TEST(ZoFile, RollBackPutsBackTheLastRowOnce)
+{
+    TempDir dir;
+    ZoFile file;
+    file.Init(dir.Write("a", "1\n2\n"), "r");
+    EXPECT_NE(file.RollBack(), 0);  // nothing delivered yet
+    EXPECT_EQ(file.NextRow(), "1");
+    EXPECT_EQ(file.NextRow(), "2");
+    EXPECT_TRUE(file.IsEOF());
+    EXPECT_EQ(file.RollBack(), 0);
+    EXPECT_FALSE(file.IsEOF());
+    EXPECT_NE(file.RollBack(), 0);  // only once
+    EXPECT_EQ(file.NextRow(), "2");
+    EXPECT_TRUE(file.IsEOF());
+}
+
+TEST(ZoFile, BinaryAndOverlongInputIsBounded)
+{
+    TempDir dir;
+    std::string bytes("a\0b\xff\n", 5);
+    bytes += std::string(ZoFile::kMaxRowLength + 100, 'x') + "\nafter";
+    ZoFile file;
+    file.Init(dir.Write("bin", bytes), "r");
+    const auto rows = AllRows(file);
+    ASSERT_EQ(rows.size(), 3u);
+    EXPECT_EQ(rows[0], std::string("a\0b\xff", 4));
+    EXPECT_EQ(rows[1], std::string(ZoFile::kMaxRowLength, 'x'));
+    EXPECT_EQ(rows[2], "after");
+}
+
+TEST(ZoFile, OpenFailuresAreReported)
+{
+    TempDir dir;
+    ZoFile missing;
+    EXPECT_NE(missing.Init(dir.File("nope"), "r"), 0);
+    EXPECT_NE(missing.GetIOExceptionStatus(), 0);
+    EXPECT_TRUE(missing.IsEOF());
+
+    ZoFile directory;
+    directory.Init(dir.Path(), "r");
+    EXPECT_NE(directory.GetIOExceptionStatus(), 0);
+
+    ZoFile writeMode;
+    writeMode.Init(dir.Write("w", "x"), "w");
+    EXPECT_NE(writeMode.GetIOExceptionStatus(), 0);
+}
+
+}  // namespace

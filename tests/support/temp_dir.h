@@ -1,0 +1,48 @@
+// A fresh temporary directory for one test, removed with everything in it.
+#ifndef ZO_TESTS_SUPPORT_TEMP_DIR_H
+#define ZO_TESTS_SUPPORT_TEMP_DIR_H
+
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+#include <ftw.h>
+#include <unistd.h>
+
+class TempDir {
+public:
+    TempDir()
+    {
+        const char* base = std::getenv("TMPDIR");
+        std::string pattern = std::string(base != nullptr ? base : "/tmp") + "/zo_test_XXXXXX";
+        if (mkdtemp(&pattern[0]) == nullptr) {
+            throw std::runtime_error("mkdtemp failed");
+        }
+        m_path = pattern;
+    }
+    ~TempDir()
+    {
+        nftw(m_path.c_str(), [](const char* p, const struct stat*, int, struct FTW*) { return ::remove(p); }, 16,
+             FTW_DEPTH | FTW_PHYS);
+    }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::string& Path() const { return m_path; }
+    std::string File(const std::string& name) const { return m_path + "/" + name; }
+
+    // Writes bytes exactly as given (no line end added) and returns the path.
+    std::string Write(const std::string& name, const std::string& bytes) const
+    {
+        const std::string path = File(name);
+        std::ofstream out(path, std::ios::binary | std::ios::trunc);
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        return path;
+    }
+
+private:
+    std::string m_path;
+};
+
+#endif  // ZO_TESTS_SUPPORT_TEMP_DIR_H
