@@ -1,0 +1,74 @@
+// ZoStream: the console's line editor on standard input.
+//
+// Init switches a terminal on descriptor 0 to non-canonical, no-echo input
+// (VMIN 1, VTIME 0; signals and output translation untouched) and
+// ResetTermios restores the settings Init read. Gets reads byte by byte,
+// echoes and edits the line itself (Backspace, history recall with Up and
+// Down, Tab completion against registered name lists) and returns each line.
+// When standard input is not a terminal nothing is applied or restored and
+// lines are still read byte by byte.
+//
+// Used by one thread only. The line returned by Gets lives in one static
+// buffer, overwritten by the next successful Enter.
+#ifndef ZO_LINE_EDITOR_ZO_STREAM_H
+#define ZO_LINE_EDITOR_ZO_STREAM_H
+
+#include <termios.h>
+
+#include <list>
+#include <string>
+#include <vector>
+
+#include "zo_tv_support.h"
+
+class ZoStream {
+public:
+    ZoStream();
+    // Restores the terminal like ResetTermios, then frees the registry and the history.
+    ~ZoStream();
+    ZoStream(const ZoStream&) = delete;
+    ZoStream& operator=(const ZoStream&) = delete;
+
+    // Puts a terminal on descriptor 0 into raw mode; failures are reported by message only.
+    void Init();
+    // 0, or the non-zero result of tcsetattr.
+    int ResetTermios();
+
+    // The entered line (in the static buffer), the constant text "TAB" after a
+    // completion listing (the caller prints the prompt again and calls Gets
+    // again), or null at the end of input or on an error.
+    char* Gets();
+
+    // Registers a borrowed list of count candidate names under a group name;
+    // clear drops every earlier registration first. The caller keeps the list
+    // and its strings alive and unchanged until the next clearing registration.
+    // Always 0.
+    int RegistTab(std::string name, unsigned int count, const char** list, ZO_BOOL clear);
+
+    // Appends to matches the completion listing of the typed line: a banner per
+    // group with matches, then the matching names, ten to a line.
+    void ParseModeInfo(std::list<std::string>& matches);
+
+    // Key actions, called only from Gets.
+    char* OnEnter();
+    int OnBackspace();
+    int OnUp();
+    int OnDown();
+    int OnTab();
+
+private:
+    struct TabInfo {
+        std::string strTabName;
+        unsigned int u32Count;
+        const char** ppList;
+    };
+
+    std::list<std::string> m_listHistory;
+    std::string m_strInbuffer;
+    std::list<std::string>::iterator m_itHistory;
+    struct termios m_stOldTermios;
+    struct termios m_stNewTermios;
+    std::vector<TabInfo> m_vecTabInfo;
+};
+
+#endif  // ZO_LINE_EDITOR_ZO_STREAM_H
