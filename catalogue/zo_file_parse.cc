@@ -2,6 +2,7 @@
 #include "zo_file_parse.h"
 
 #include <cstdio>
+#include <utility>
 
 void ZoFileParse::ZoCmdInfo::Clear()
 {
@@ -40,20 +41,22 @@ int ZoFileParse::GetIOExceptionStatus() const
 // ---------------------------------------------------------------------------
 // Entering records
 
-void ZoFileParse::EnterModule(const ZoModInfo& mod)
+void ZoFileParse::EnterModule(ZoModInfo mod)
 {
-    const auto stored = m_mapModInfo.try_emplace(mod.strName, mod).first;
+    const std::string name = mod.strName;
+    const auto stored = m_mapModInfo.try_emplace(name, std::move(mod)).first;
     // The stored module's code: a repeated name keeps the first block's code.
     m_mapCmdInfo[stored->second.s32Instruct];
 }
 
-void ZoFileParse::EnterCommand(const ZoCmdInfo& cmd)
+void ZoFileParse::EnterCommand(ZoCmdInfo cmd)
 {
     const auto mod = m_mapModInfo.find(cmd.strBelongMod);
     if (mod == m_mapModInfo.end() || mod->second.s32Instruct == -1) {
         return;
     }
-    m_mapCmdInfo[mod->second.s32Instruct].try_emplace(cmd.strCommand, cmd);
+    const std::string word = cmd.strCommand;
+    m_mapCmdInfo[mod->second.s32Instruct].try_emplace(word, std::move(cmd));
 }
 
 // ---------------------------------------------------------------------------

@@ -100,20 +100,24 @@ private:
     static bool SetCmdKey(const std::string& row, ZoCmdInfo& cmd);
 
     // --- Entering records (zo_file_parse.cc) ---
+    // Records are taken by value: the block reader moves each finished record
+    // in and starts the next from the defaults.
     // First module of a name wins; its code always gets a command table entry.
-    void EnterModule(const ZoModInfo& mod);
+    void EnterModule(ZoModInfo mod);
     // Dropped silently when its module is unknown or has no instruction; the
     // first command of a word within a code wins.
-    void EnterCommand(const ZoCmdInfo& cmd);
+    void EnterCommand(ZoCmdInfo cmd);
     // The command filed under a module code and word; null on a miss.
     const ZoCmdInfo* FindCmd(int32_t modInstruct, const std::string& cmd) const;
 
     // --- Row tests and values (zo_file_parse_rows.cc) ---
     // Trims isspace characters at both ends in place; -1 for a null or empty text.
     static int RemoveSpace(char* text);
-    // Copies length bytes of text into buf and trims them there; false, with
-    // buf empty, when they do not fit with a terminator.
-    static bool CopyTrimmed(const char* text, size_t length, char (&buf)[kRowBufSize]);
+    // Copies length bytes of text into buf and trims them there; returns the
+    // trimmed length, or kRefused, with buf empty, when they do not fit with a
+    // terminator.
+    static size_t CopyTrimmed(const char* text, size_t length, char (&buf)[kRowBufSize]);
+    static constexpr size_t kRefused = static_cast<size_t>(-1);
     // True when the trimmed row is "[...]"; a row of kRowBufSize bytes or more
     // is reported and is no title.
     static bool IsBlockTitile(const std::string& row);

@@ -8,14 +8,15 @@
 #include "zo_file_parse.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
 // What differs between the two files when they are opened and read.
 struct FileNames {
-    const char* fileName;         // appended to the directory after a "/"
-    const char* emptyMessage;     // the file holds no rows
-    const char* failedFormat;     // the block reader failed, with its result
+    const char* fileName;      // appended to the directory after a "/"
+    const char* emptyMessage;  // the file holds no rows
+    const char* failedFormat;  // the block reader failed, with its result
 };
 
 constexpr FileNames kModsFile = {"mods.conf", "mods.conf is empty!", "ParseModulePtr call failed ,ret = %d\n"};
@@ -76,7 +77,7 @@ int ZoFileParse::ParseModulePtr(std::unique_ptr<ZoFile>& file)
         file, [&mod](const std::string& name) { mod.strName = name; },
         [&mod](const std::string& row) { return SetModKey(row, mod); },
         [this, &mod]() {
-            EnterModule(mod);
+            EnterModule(std::move(mod));
             mod = ZoModInfo();
         });
 }
@@ -88,7 +89,7 @@ int ZoFileParse::ParseCmdPtr(std::unique_ptr<ZoFile>& file)
         file, [&cmd](const std::string& name) { cmd.strName = name; },
         [&cmd](const std::string& row) { return SetCmdKey(row, cmd); },
         [this, &cmd]() {
-            EnterCommand(cmd);
+            EnterCommand(std::move(cmd));
             cmd.Clear();
         });
 }
