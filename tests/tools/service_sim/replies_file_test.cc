@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <binder/Parcel.h>
+#include "sim_harness.h"
 
 namespace {
 
@@ -14,11 +14,6 @@ CommandIndex Catalogue()
     return index;
 }
 
-std::vector<uint8_t> Bytes(const android::Parcel& p)
-{
-    return std::vector<uint8_t>(p.data(), p.data() + p.dataSize());
-}
-
 }  // namespace
 
 TEST(RepliesFile, EncodesValuesRowByRowWithQuotedStrings)
@@ -28,18 +23,16 @@ TEST(RepliesFile, EncodesValuesRowByRowWithQuotedStrings)
     ASSERT_TRUE(replies.Parse("  # comment with \"unclosed\n\n0x12 0 1 \"BBC \\\"One\\\" \\\\\" 2 News\r\n0x13 -7\n",
                               Catalogue(), error))
         << error;
-    android::Parcel info;
-    info.writeInt32(0);
-    info.writeInt32(1);
-    info.writeString16(android::String16("BBC \"One\" \\"));
-    info.writeInt32(2);
-    info.writeString16(android::String16("News"));
     ASSERT_NE(replies.Find(0x12), nullptr);
-    EXPECT_EQ(*replies.Find(0x12), Bytes(info));
-    android::Parcel reset;
-    reset.writeInt32(-7);
+    EXPECT_EQ(*replies.Find(0x12), Encode([](android::Parcel& p) {
+        p.writeInt32(0);
+        p.writeInt32(1);
+        p.writeString16(android::String16("BBC \"One\" \\"));
+        p.writeInt32(2);
+        p.writeString16(android::String16("News"));
+    }));
     ASSERT_NE(replies.Find(0x13), nullptr);
-    EXPECT_EQ(*replies.Find(0x13), Bytes(reset));
+    EXPECT_EQ(*replies.Find(0x13), Ints({-7}));
     EXPECT_EQ(replies.Find(0x11), nullptr);
 }
 
