@@ -70,55 +70,53 @@ const char* SimUsage()
 bool ParseSimOptions(int argc, char* const argv[], SimOptions& opts, std::string& error)
 {
     opts = SimOptions();
+    error.clear();
     int faultModes = 0;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
-        // Every option but --help and --no-reply takes the next word as its value.
-        auto value = [&](const char*& out) {
-            if (i + 1 >= argc) {
-                error = arg + " needs a value";
-                return false;
-            }
-            out = argv[++i];
-            return true;
-        };
-        const char* text = nullptr;
+        // The option's value: the next word, or null when there is none.
+        const char* text = i + 1 < argc ? argv[i + 1] : nullptr;
         uint64_t n = 0;
         if (arg == "--help" || arg == "-h") {
             opts.help = true;
-        } else if (arg == "--delay") {
-            if (!value(text) || !ParseUnsigned(text, 3600000, n)) {
-                error = error.empty() ? "--delay takes milliseconds (0 to 3600000)" : error;
+            continue;
+        }
+        if (arg == "--no-reply") {
+            opts.noReply = true;
+            ++faultModes;
+            continue;
+        }
+        if (arg == "--delay") {
+            if (!ParseUnsigned(text, 3600000, n)) {
+                error = "--delay takes milliseconds (0 to 3600000)";
                 return false;
             }
             opts.delayMs = static_cast<unsigned>(n);
-        } else if (arg == "--no-reply") {
-            opts.noReply = true;
-            ++faultModes;
         } else if (arg == "--status") {
-            if (!value(text) || !ParseInt32Word(text, opts.status)) {
-                error = error.empty() ? "--status takes a 32-bit number" : error;
+            if (!ParseInt32Word(text, opts.status)) {
+                error = "--status takes a 32-bit number";
                 return false;
             }
             opts.forceStatus = true;
             ++faultModes;
         } else if (arg == "--garbage") {
-            if (!value(text) || !ParseUnsigned(text, kMaxReplyBytes - 4, n)) {
-                error = error.empty() ? "--garbage takes a byte count (0 to 4084)" : error;
+            if (!ParseUnsigned(text, kMaxReplyBytes - 4, n)) {
+                error = "--garbage takes a byte count (0 to 4084)";
                 return false;
             }
             opts.garbage = true;
             opts.garbageBytes = static_cast<uint32_t>(n);
             ++faultModes;
         } else if (arg == "--size") {
-            if (!value(text) || !ParseUnsigned(text, UINT32_MAX, n)) {
-                error = error.empty() ? "--size takes an unsigned 32-bit number" : error;
+            if (!ParseUnsigned(text, UINT32_MAX, n)) {
+                error = "--size takes an unsigned 32-bit number";
                 return false;
             }
             opts.forceSize = true;
             opts.sizeValue = static_cast<uint32_t>(n);
         } else if (arg == "--replies") {
-            if (!value(text)) {
+            if (text == nullptr || *text == '\0') {
+                error = "--replies takes a file";
                 return false;
             }
             opts.repliesPath = text;
@@ -127,10 +125,12 @@ bool ParseSimOptions(int argc, char* const argv[], SimOptions& opts, std::string
             return false;
         } else if (opts.dir.empty() && !arg.empty()) {
             opts.dir = arg;
+            continue;
         } else {
             error = "unexpected argument '" + arg + "'";
             return false;
         }
+        ++i;  // past the option's value
     }
     if (opts.help) {
         return true;
