@@ -15,8 +15,11 @@
 #ifndef ZO_CATALOGUE_ZO_FILE_PARSE_H
 #define ZO_CATALOGUE_ZO_FILE_PARSE_H
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <memory>
 #include <string>
 
 #include "zo_mw_array.h"
@@ -73,8 +76,82 @@ public:
     std::string GetCmdDescrip(int32_t modInstruct, const std::string& cmd) const;
 
 private:
-    // The file readers, the row tests and the value extractions are declared
-    // here by the catalogue's implementation.
+    // Rows are tested and their parts trimmed in buffers of this size, so a
+    // title row, a key part or a value must leave room for the terminator.
+    static constexpr size_t kRowBufSize = 256;
+
+    // --- Reading the files (zo_file_parse_reader.cc) ---
+    // 0 when the file was read to its end; -1 after a missing or empty file or
+    // a failed block reader, with the message printed.
+    int ParseModules(const std::string& dir);
+    int ParseCmds(const std::string& dir);
+    // Block readers: 0 at the end of the rows; -1 when a row could not be put
+    // back, in which case they have already released the reader (file is null).
+    int ParseModulePtr(std::unique_ptr<ZoFile>& file);
+    int ParseCmdPtr(std::unique_ptr<ZoFile>& file);
+    // The block loop both files share: openBlock gets a title's name, setKey
+    // sets one field from a row (false when the row is no key row of the
+    // file), closeBlock enters and resets the record being filled.
+    static int ParseBlocks(std::unique_ptr<ZoFile>& file, const std::function<void(const std::string&)>& openBlock,
+                           const std::function<bool(const std::string&)>& setKey,
+                           const std::function<void()>& closeBlock);
+    // The first key of the file that matches the row sets its field.
+    static bool SetModKey(const std::string& row, ZoModInfo& mod);
+    static bool SetCmdKey(const std::string& row, ZoCmdInfo& cmd);
+
+    // --- Entering records (zo_file_parse.cc) ---
+    // Records are taken by value: the block reader moves each finished record
+    // in and starts the next from the defaults.
+    // First module of a name wins; its code always gets a command table entry.
+    void EnterModule(ZoModInfo mod);
+    // Dropped silently when its module is unknown or has no instruction; the
+    // first command of a word within a code wins.
+    void EnterCommand(ZoCmdInfo cmd);
+    // The command filed under a module code and word; null on a miss.
+    const ZoCmdInfo* FindCmd(int32_t modInstruct, const std::string& cmd) const;
+
+    // --- Row tests and values (zo_file_parse_rows.cc) ---
+    // Trims isspace characters at both ends in place; -1 for a null or empty text.
+    static int RemoveSpace(char* text);
+    // Copies length bytes of text into buf and trims them there; returns the
+    // trimmed length, or kRefused, with buf empty, when they do not fit with a
+    // terminator.
+    static size_t CopyTrimmed(const char* text, size_t length, char (&buf)[kRowBufSize]);
+    static constexpr size_t kRefused = static_cast<size_t>(-1);
+    // True when the trimmed row is "[...]"; a row of kRowBufSize bytes or more
+    // is reported and is no title.
+    static bool IsBlockTitile(const std::string& row);
+    // The text between the brackets of a title row, untrimmed; empty otherwise.
+    static std::string GetBlockTitile(const std::string& row);
+
+    // Key tests: the row holds "=" and its trimmed key part names the key.
+    static bool IsCommand(const std::string& row);
+    static bool IsInstruction(const std::string& row);
+    static bool IsDescription(const std::string& row);
+    static bool IsBelongMod(const std::string& row);
+    static bool IsPrintFmt(const std::string& row);
+    static bool IsPrintTags(const std::string& row);
+    static bool IsParaFormat(const std::string& row);
+    // The one key test behind the seven: tooLongFormat reports a key part
+    // that does not fit the row buffer.
+    static bool IsKey(const std::string& row, const char* key, const char* tooLongFormat);
+
+    // Values: the trimmed text after the first "="; a value that does not fit
+    // the row buffer is reported and yields the empty value.
+    static std::string GetCommand(const std::string& row);
+    static std::string GetDescription(const std::string& row);
+    static std::string GetBelongMod(const std::string& row);
+    static std::string GetPrintFmt(const std::string& row);
+    static std::string GetParaFormat(const std::string& row);
+    // Hexadecimal, clamped to 32 bits; 0 for a value without a digit.
+    static int32_t GetInstruction(const std::string& row);
+    // Split at every ",", untrimmed; an empty value gives one empty tag.
+    static Array<std::string> GetPrintTags(const std::string& row);
+    // The one extraction behind the seven: fills buf with the trimmed value
+    // and returns 0, or leaves buf empty and returns 1 for a value too long
+    // (reported with tooLongFormat) and -1 when the copy was refused.
+    static int GetValue(const std::string& row, const char* tooLongFormat, char (&buf)[kRowBufSize]);
+    static std::string GetText(const std::string& row, const char* tooLongFormat);
 
     std::map<std::string, ZoModInfo> m_mapModInfo;
     std::map<int32_t, std::map<std::string, ZoCmdInfo>> m_mapCmdInfo;

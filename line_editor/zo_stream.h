@@ -30,8 +30,10 @@ public:
     ZoStream& operator=(const ZoStream&) = delete;
 
     // Puts a terminal on descriptor 0 into raw mode; failures are reported by message only.
+    // When its settings cannot be read, the terminal is left as it is and
+    // ResetTermios has nothing to restore.
     void Init();
-    // 0, or the non-zero result of tcsetattr.
+    // 0, or the non-zero result of tcsetattr. Restores only settings Init has read.
     int ResetTermios();
 
     // The entered line (in the static buffer), the constant text "TAB" after a
@@ -57,6 +59,15 @@ public:
     int OnTab();
 
 private:
+    // Key actions that need no public entry point.
+    void OnSpace();
+    // Echoes and stores an ordinary byte: 0, or -1 when the echo failed.
+    int OnInsert(int byte);
+    // Replaces the line on the screen and in the buffer by a history entry.
+    void Recall(const std::string& entry);
+    // Drops the oldest history entry, keeping the recall position valid.
+    void DropOldestEntry();
+
     struct TabInfo {
         std::string strTabName;
         unsigned int u32Count;
@@ -69,6 +80,8 @@ private:
     struct termios m_stOldTermios;
     struct termios m_stNewTermios;
     std::vector<TabInfo> m_vecTabInfo;
+    // True once Init has read the settings that ResetTermios puts back.
+    bool m_bTermiosSaved;
 };
 
 #endif  // ZO_LINE_EDITOR_ZO_STREAM_H

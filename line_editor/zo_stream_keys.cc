@@ -1,0 +1,164 @@
+// Reading keys: the byte table, the reading loop, and the actions of the keys
+// that edit the line (Enter, Backspace, space, ordinary bytes).
+#include "zo_stream.h"
+
+#include <cstdio>
+
+#include "zo_stream_screen.h"
+
+namespace {
+
+// The longest line Gets can return is one byte less: the buffer holds the terminator.
+constexpr size_t kLineBufferSize = 1024;
+// At most this many lines are remembered; the oldest goes first.
+constexpr size_t kMaxHistory = 10000;
+
+// The last entered line, shared by every editor.
+char s_achLine[kLineBufferSize];
+// Returned after a completion listing; callers recognise it by its text.
+char s_achTab[] = "TAB";
+
+enum class KeyAction {
+    kDiscard,      // nothing stored, nothing echoed
+    kBackspace,    // OnBackspace
+    kComplete,     // OnTab
+    kEnter,        // OnEnter
+    kSpace,        // OnSpace
+    kHistoryUp,    // OnUp
+    kHistoryDown,  // OnDown
+    kInsert,       // OnInsert
+};
+
+// The key table. It looks at one byte at a time and keeps no escape-sequence
+// state: the arrow keys ESC '[' 'A' and ESC '[' 'B' work because ESC and '['
+// are dropped wherever they occur, which also makes a typed 'A' or 'B' recall
+// history and leaves 'C', 'D' and '[' impossible to enter (Left and Right do
+// nothing). DEL (127), CR (13) and Ctrl-D (4) are ordinary bytes.
+KeyAction ActionOf(int byte)
+{
+    switch (byte) {
+    case 27:  // ESC
+    case '[':
+    case 'C':  // Right arrow's last byte
+    case 'D':  // Left arrow's last byte
+        return KeyAction::kDiscard;
+    case 8:
+        return KeyAction::kBackspace;
+    case 9:
+        return KeyAction::kComplete;
+    case 10:
+        return KeyAction::kEnter;
+    case ' ':
+        return KeyAction::kSpace;
+    case 'A':  // also the Up arrow's last byte
+        return KeyAction::kHistoryUp;
+    case 'B':  // also the Down arrow's last byte
+        return KeyAction::kHistoryDown;
+    default:
+        return KeyAction::kInsert;
+    }
+}
+
+}  // namespace
+
+// A partial line kept across a completion listing is shown again first: the
+// caller has just printed the prompt in front of it.
+char* ZoStream::Gets()
+{
+    if (!m_strInbuffer.empty()) {
+        zo_screen::ShowText(m_strInbuffer.c_str());
+    }
+    for (;;) {
+        const int byte = std::getchar();
+        if (byte == EOF) {
+            return nullptr;
+        }
+        switch (ActionOf(byte)) {
+        case KeyAction::kDiscard:
+            break;
+        case KeyAction::kBackspace:
+            OnBackspace();
+            break;
+        case KeyAction::kComplete:
+            if (OnTab() == 0) {
+                return s_achTab;
+            }
+            break;
+        case KeyAction::kEnter:
+            return OnEnter();
+        case KeyAction::kSpace:
+            OnSpace();
+            break;
+        case KeyAction::kHistoryUp:
+            OnUp();
+            break;
+        case KeyAction::kHistoryDown:
+            OnDown();
+            break;
+        case KeyAction::kInsert:
+            if (OnInsert(byte) != 0) {
+                return nullptr;
+            }
+            break;
+        }
+    }
+}
+
+// The history is trimmed before the line is looked at, so a full history
+// loses its oldest entry even on an empty Enter. A line too long for the
+// buffer is refused but stays typed (and stays in the history).
+char* ZoStream::OnEnter()
+{
+    if (m_listHistory.size() >= kMaxHistory) {
+        DropOldestEntry();
+    }
+    if (!m_strInbuffer.empty()) {
+        m_listHistory.push_back(m_strInbuffer);
+    }
+    if (!zo_screen::EndEnteredLine()) {
+        return nullptr;
+    }
+    zo_screen::Flush();
+    const size_t length = m_strInbuffer.size();
+    if (length >= kLineBufferSize) {
+        std::puts("Error:m_strInbuffer too large");
+        zo_screen::Flush();
+        return nullptr;
+    }
+    const int rc = strncpy_s(s_achLine, kLineBufferSize, m_strInbuffer.c_str(), length);
+    if (rc != 0) {
+        std::printf("strncpy_s failed, rc = %d", rc);
+        zo_screen::Flush();
+        return nullptr;
+    }
+    s_achLine[length] = '\0';
+    m_strInbuffer.clear();
+    m_itHistory = m_listHistory.end();
+    return s_achLine;
+}
+
+// Removes one byte, not one character: a UTF-8 character takes one Backspace per byte.
+int ZoStream::OnBackspace()
+{
+    if (m_strInbuffer.empty()) {
+        return 0;
+    }
+    m_strInbuffer.pop_back();
+    return zo_screen::EraseLastByte() ? 0 : -1;
+}
+
+void ZoStream::OnSpace()
+{
+    m_strInbuffer.push_back(' ');
+    zo_screen::EchoByte(' ');  // a lost echo of a blank is not worth ending the line for
+}
+
+// A byte is stored only once the terminal has shown it.
+int ZoStream::OnInsert(int byte)
+{
+    if (!zo_screen::EchoByte(byte)) {
+        return -1;
+    }
+    m_strInbuffer.push_back(static_cast<char>(byte));
+    return 0;
+}

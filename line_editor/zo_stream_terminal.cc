@@ -1,0 +1,72 @@
+// Raw mode: the terminal on standard input is switched in Init and put back in
+// ResetTermios, and nowhere else.
+#include "zo_stream.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace {
+
+void ReportTermiosFailure(const char* call, int ret, int err)
+{
+    std::printf("error:set %s fail, ret:)0x%x !!! errno = %d\n", call, static_cast<unsigned int>(ret), err);
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+ZoStream::ZoStream() : m_itHistory(m_listHistory.end()), m_stOldTermios(), m_stNewTermios(), m_bTermiosSaved(false)
+{
+}
+
+ZoStream::~ZoStream()
+{
+    ResetTermios();
+}
+
+// Only the line discipline's own editing is switched off: non-canonical input
+// hands over every byte at once (VMIN 1, VTIME 0) and the editor echoes it.
+// Signals (ISIG) and the CR/LF translations (ICRNL, OPOST) stay as they were,
+// so Ctrl-C and Ctrl-Z still reach the console and Enter arrives as a line feed.
+//
+// When the settings cannot be read, nothing is applied and nothing will be
+// restored: a record that was never filled in must not reach the terminal.
+void ZoStream::Init()
+{
+    m_itHistory = m_listHistory.end();
+    m_bTermiosSaved = false;
+    if (isatty(STDIN_FILENO) == 0) {
+        return;
+    }
+    int ret = tcgetattr(STDIN_FILENO, &m_stOldTermios);
+    if (ret != 0) {
+        ReportTermiosFailure("tcgetattr", ret, errno);
+        return;
+    }
+    m_bTermiosSaved = true;
+
+    m_stNewTermios = m_stOldTermios;
+    m_stNewTermios.c_cc[VTIME] = 0;
+    m_stNewTermios.c_cc[VMIN] = 1;
+    m_stNewTermios.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+    if (isatty(STDIN_FILENO) != 0) {
+        ret = tcsetattr(STDIN_FILENO, TCSANOW, &m_stNewTermios);
+        if (ret != 0) {
+            ReportTermiosFailure("tcsetattr", ret, errno);
+        }
+    }
+}
+
+int ZoStream::ResetTermios()
+{
+    if (isatty(STDIN_FILENO) == 0 || !m_bTermiosSaved) {
+        return 0;
+    }
+    const int ret = tcsetattr(STDIN_FILENO, TCSANOW, &m_stOldTermios);
+    if (ret != 0) {
+        ReportTermiosFailure("tcsetattr", ret, errno);
+    }
+    return ret;
+}
