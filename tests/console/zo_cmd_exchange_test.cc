@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include "child_program.h"
 #include "console_fixture.h"
 #include "stdout_capture.h"
 #include "zo_shm_page.h"
@@ -60,12 +61,13 @@ public:
     Responder(const SharedPage& page, std::vector<std::string> args)
     {
         args.insert(args.begin(), {ZO_PAGE_RESPONDER, page.Path()});
+        std::vector<std::string> command = ChildCommand(args);
         std::vector<char*> argv;
-        for (std::string& arg : args) {
-            argv.push_back(&arg[0]);
+        for (std::string& word : command) {
+            argv.push_back(&word[0]);
         }
         argv.push_back(nullptr);
-        if (posix_spawn(&m_pid, ZO_PAGE_RESPONDER, nullptr, nullptr, argv.data(), environ) != 0) {
+        if (posix_spawnp(&m_pid, argv[0], nullptr, nullptr, argv.data(), environ) != 0) {
             m_pid = -1;
         }
     }
@@ -78,6 +80,9 @@ public:
     }
     Responder(const Responder&) = delete;
     Responder& operator=(const Responder&) = delete;
+
+    // Without a responder the console would wait for ever: tests check this first.
+    bool Started() const { return m_pid > 0; }
 
     // The responder's exit status, or -1 when it does not end within 10 s.
     int Wait()
@@ -142,6 +147,7 @@ TEST(CopyCmdToBuf, SendsTheRequestAndPrintsTheReply)
     ASSERT_TRUE(page.Mapped());
     // status 0, number 5, name "abc"
     Responder service(page, {Words({0x12, 5}) + "/" + Words({0, 5, 3, 0x00620061, 0x00000063})});
+    ASSERT_TRUE(service.Started());
 
     android::Parcel request;
     EncodeInfo5(fixture.Console(), request);
@@ -158,6 +164,7 @@ TEST(CopyCmdToBuf, FailedStatusIsShownInHex)
     ConsoleFixture fixture({kInfo});
     SharedPage page(fixture.Dir());
     Responder service(page, {"*/" + Words({0xffffffff, 5})});
+    ASSERT_TRUE(service.Started());
 
     android::Parcel request;
     EncodeInfo5(fixture.Console(), request);
@@ -173,6 +180,7 @@ TEST(CopyCmdToBuf, ReplySizeBeyondThePageIsAFailedExchange)
     SharedPage page(fixture.Dir());
     const std::string ok = Words({0, 5});
     Responder service(page, {"*/" + ok + "/4089", "*/" + ok + "/0xffffffff"});
+    ASSERT_TRUE(service.Started());
 
     for (int i = 0; i < 2; ++i) {
         android::Parcel request;
@@ -198,6 +206,7 @@ TEST(CopyCmdToBuf, HostileRepliesPrintWhatCanBeRead)
                                 // garbage after the status, with a tail too short for a value
                                 "*/" + Words({0, 0xdeadbeef, 0xfffffffe}) + "a5a5",
                             });
+    ASSERT_TRUE(service.Started());
     const std::string expected[] = {
         kSep + "number:7\tname:\t\n" + kSep,
         kSep + "number:7\tname:\t\n" + kSep,
@@ -228,6 +237,7 @@ TEST(CopyCmdToBuf, RequestMustFitThePayload)
     }
     ASSERT_EQ(SHM_DATA_SIZE, full.dataSize());
     Responder service(page, {fullHex + "/" + Words({0})});
+    ASSERT_TRUE(service.Started());
     {
         const Outcome sent = Send(fixture.Console(), full);
         EXPECT_EQ(0, sent.result);
@@ -260,6 +270,7 @@ TEST(CopyCmdToBuf, NextRequestClearsTheLastReplyFlag)
     // first; the responder also checks that the flag word is exactly bit 0.
     Responder service(page, {"--delay-ms", "300", Words({0x12, 5}) + "/" + Words({0, 1, 1, 0x61}),
                              Words({0x12, 5}) + "/" + Words({0, 2, 1, 0x62})});
+    ASSERT_TRUE(service.Started());
 
     for (const char* row : {"number:1\tname:a\t\n", "number:2\tname:b\t\n"}) {
         android::Parcel request;
