@@ -70,6 +70,11 @@ extern const char* g_apCmdList[ZO_CMD_LIST_SIZE];
 // The release callback installed by the program entry; does nothing.
 void Release(const void* arg);
 
+// The program entry's whole start-up on a configuration directory: creates the
+// console, loads the catalogue, installs Release and runs the console until it
+// ends. Returns 0; the process may also end through exit(1) or the Ctrl-C kill.
+int ZoCmdDebugMain(const std::string& dir);
+
 class ZoCmdDebug {
 public:
     // The one console object, created on first use; creating it puts the
@@ -144,6 +149,10 @@ public:
 
 private:
     friend class ZoCmdDebugTestPeer;  // lets the unit tests set up a console state
+    friend int ZoCmdDebugMain(const std::string& dir);  // installs the release callback
+
+    // The help listing of Proc: modules at the top level, the current module's commands inside one.
+    void PrintHelp();
 
     // The one instance; null until GetInstance creates it.
     static ZoCmdDebug* ms_pInstance;

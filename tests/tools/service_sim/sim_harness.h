@@ -22,6 +22,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "child_program.h"
+
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 using Bytes = std::vector<uint8_t>;
@@ -75,7 +77,7 @@ public:
             prctl(PR_SET_PDEATHSIG, SIGKILL);  // never outlive a crashed test
             dup2(out[1], STDOUT_FILENO);
             dup2(open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
-            execv(argv[0], argv.data());
+            ExecChild(std::vector<std::string>(argv.begin(), argv.end() - 1));
             _exit(127);
         }
         close(out[1]);
