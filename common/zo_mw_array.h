@@ -9,8 +9,8 @@
 // element. The constant operator[] also writes a log record for such a
 // position; the writable operator[] clamps silently.
 //
-// Access walks the list from the front, so a loop over every position costs
-// quadratic time; the lists here are short.
+// Access by position walks the list from the front, so a loop over every
+// position costs quadratic time; a walk over every element iterates instead.
 //
 // Not thread-safe: one thread uses an Array at a time.
 #ifndef ZO_COMMON_ZO_MW_ARRAY_H
@@ -62,6 +62,10 @@ public:
     void Clear() { m_list.clear(); }
 
     unsigned int Size() const { return static_cast<unsigned int>(m_list.size()); }
+
+    // The elements in order, for walks over all of them.
+    typename std::list<T>::const_iterator begin() const { return m_list.begin(); }
+    typename std::list<T>::const_iterator end() const { return m_list.end(); }
 
     // Checked read access; logs an empty Array or a position past the end.
     const T& operator[](unsigned int pos) const

@@ -24,12 +24,14 @@ bool IsQuit(const char* line)
 }
 
 // Position of text in list, compared byte for byte; -1 when absent.
-int FindExact(Array<std::string>& list, const char* text)
+int FindExact(const Array<std::string>& list, const char* text)
 {
-    for (unsigned int i = 0; i < list.Size(); ++i) {
-        if (list[i] == text) {
-            return static_cast<int>(i);
+    int pos = 0;
+    for (const std::string& entry : list) {
+        if (entry == text) {
+            return pos;
         }
+        ++pos;
     }
     return -1;
 }
@@ -81,15 +83,13 @@ void ZoCmdDebug::PrintHelp()
 {
     puts("======= Command ============== Description ============");
     if (m_strCurMod.empty()) {
-        for (unsigned int i = 0; i < m_arrModNames.Size(); ++i) {
-            const std::string& name = m_arrModNames[i];
+        for (const std::string& name : m_arrModNames) {
             printf("\t%s\t\t%s\n", m_pFileParse->GetModToCmd(name).c_str(), m_pFileParse->GetModDescrip(name).c_str());
         }
         return;
     }
     const int32_t code = m_pFileParse->GetModInstruct(m_strCurMod);
-    for (unsigned int i = 0; i < m_arrHoldCmds.Size(); ++i) {
-        const std::string& cmd = m_arrHoldCmds[i];
+    for (const std::string& cmd : m_arrHoldCmds) {
         printf("\t%s\t\t%s\n", cmd.c_str(), m_pFileParse->GetCmdDescrip(code, cmd).c_str());
     }
 }

@@ -100,8 +100,11 @@ int ZoCmdDebug::DoWork()
     // Completion offers at most the first ZO_CMD_LIST_SIZE module words; the
     // table is filled once, since the module list never changes.
     unsigned int modCount = 0;
-    for (; modCount < m_arrModCmds.Size() && modCount < ZO_CMD_LIST_SIZE; ++modCount) {
-        g_apModList[modCount] = m_arrModCmds[modCount].c_str();
+    for (const std::string& word : m_arrModCmds) {
+        if (modCount == ZO_CMD_LIST_SIZE) {
+            break;
+        }
+        g_apModList[modCount++] = word.c_str();
     }
     if (!m_bRunning) {
         return 0;
@@ -179,8 +182,11 @@ int ZoCmdDebug::GetSupportCmds(const char**& cmdTable, unsigned int& count)
     m_arrHoldCmds = m_pFileParse->GetModHoldCmds(m_pFileParse->GetModInstruct(m_strCurMod));
     // Completion offers at most the first ZO_CMD_LIST_SIZE commands of a module.
     count = 0;
-    for (; count < m_arrHoldCmds.Size() && count < ZO_CMD_LIST_SIZE; ++count) {
-        g_apCmdList[count] = m_arrHoldCmds[count].c_str();
+    for (const std::string& word : m_arrHoldCmds) {
+        if (count == ZO_CMD_LIST_SIZE) {
+            break;
+        }
+        g_apCmdList[count++] = word.c_str();
     }
     cmdTable = g_apCmdList;
     return 0;
