@@ -50,12 +50,26 @@ int ZoFileParse::RemoveSpace(char* text)
 
 size_t ZoFileParse::CopyTrimmed(const char* text, size_t length, char (&buf)[kRowBufSize])
 {
-    if (length >= kRowBufSize || memcpy_s(buf, sizeof buf, text, length) != 0) {
+    if (length >= kRowBufSize) {
         buf[0] = '\0';
         return kRefused;
     }
     // A NUL byte ends the part, as it would end the text for RemoveSpace.
-    return TrimInPlace(buf, strnlen(buf, length));
+    // Trimmed where it stands, so that only the kept bytes are copied.
+    size_t end = strnlen(text, length);
+    size_t begin = 0;
+    while (begin < end && IsSpace(text[begin])) {
+        ++begin;
+    }
+    while (end > begin && IsSpace(text[end - 1])) {
+        --end;
+    }
+    if (memcpy_s(buf, sizeof buf, text + begin, end - begin) != 0) {
+        buf[0] = '\0';
+        return kRefused;
+    }
+    buf[end - begin] = '\0';
+    return end - begin;
 }
 
 // ---------------------------------------------------------------------------
@@ -65,6 +79,11 @@ bool ZoFileParse::IsBlockTitile(const std::string& row)
 {
     if (row.size() >= kRowBufSize) {
         printf("str size:%d too large, max len:%d\n", static_cast<int>(row.size()), static_cast<int>(kRowBufSize));
+        return false;
+    }
+    // Most rows are key rows: look at the first letter before copying.
+    const size_t first = row.find_first_not_of(" \t\n\v\f\r");
+    if (first == std::string::npos || row[first] != '[') {
         return false;
     }
     char buf[kRowBufSize];
@@ -88,6 +107,17 @@ std::string ZoFileParse::GetBlockTitile(const std::string& row)
 
 bool ZoFileParse::IsKey(const std::string& row, const char* key, const char* tooLongFormat)
 {
+    // Every row meets up to seven key tests, and most fail on the first
+    // letter of the key part. A row shorter than the buffer cannot be
+    // reported, and one whose first letter is neither the key's nor the "="
+    // fails below whatever else it holds: reject it before searching.
+    size_t first = 0;
+    while (first < row.size() && IsSpace(row[first])) {
+        ++first;
+    }
+    if (row.size() < kRowBufSize && first < row.size() && row[first] != key[0] && row[first] != '=') {
+        return false;
+    }
     const size_t n = row.find('=');
     if (n == std::string::npos) {
         return false;
@@ -96,13 +126,8 @@ bool ZoFileParse::IsKey(const std::string& row, const char* key, const char* too
         printf(tooLongFormat, static_cast<int>(n));
         return false;
     }
-    // Every row meets up to seven key tests, and most fail on the first
-    // letter of the trimmed key part; look at that letter before copying.
-    // An empty key part (n of 0) compares nothing and names every key.
-    size_t first = 0;
-    while (first < n && IsSpace(row[first])) {
-        ++first;
-    }
+    // The blanks end at the "=" at the latest, so first <= n. An empty key
+    // part (n of 0) compares nothing and names every key.
     if (n > 0 && (first == n || row[first] != key[0])) {
         return false;
     }

@@ -26,6 +26,9 @@ class Array {
 public:
     Array() = default;
     Array(const Array& other) = default;
+    // Moves hand the elements over; the source is left empty.
+    Array(Array&& other) noexcept = default;
+    Array& operator=(Array&& other) noexcept = default;
     virtual ~Array() = default;
 
     // Reuses the elements this Array already has: assigns over the common
