@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "child_program.h"
 #include "pty_session.h"
 #include "temp_dir.h"
 
@@ -78,7 +79,7 @@ inline DriverRun RunDriverOn(const std::string& stdinPath, const std::string& pi
         if (stdinPath.empty()) {
             close(fds[1]);
         }
-        execv(argv[0], argv.data());
+        ExecChild(std::vector<std::string>(argv.begin(), argv.end() - 1));
         _exit(127);
     }
     DriverRun run;

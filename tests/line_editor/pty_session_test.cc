@@ -10,7 +10,9 @@
 TEST(PtySession, WaitForTimesOutOnASilentProgram)
 {
     PtySession pty;
-    ASSERT_TRUE(pty.Start("/bin/sleep", {"30"})) << pty.Error();
+    PtySession::Options host;
+    host.hostProgram = true;
+    ASSERT_TRUE(pty.Start("/bin/sleep", {"30"}, host)) << pty.Error();
     const auto start = std::chrono::steady_clock::now();
     EXPECT_FALSE(pty.WaitFor("never", nullptr, 200));
     EXPECT_FALSE(pty.WaitForExit(nullptr, 100));
@@ -20,7 +22,9 @@ TEST(PtySession, WaitForTimesOutOnASilentProgram)
 TEST(PtySession, ReportsAProgramThatCannotRun)
 {
     PtySession pty;
-    ASSERT_TRUE(pty.Start("/nonexistent/program", {})) << pty.Error();
+    PtySession::Options host;
+    host.hostProgram = true;
+    ASSERT_TRUE(pty.Start("/nonexistent/program", {}, host)) << pty.Error();
     int status = 0;
     ASSERT_TRUE(pty.WaitForExit(&status));
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 127) << status;

@@ -1,5 +1,7 @@
 #include "pty_session.h"
 
+#include "child_program.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
@@ -47,11 +49,14 @@ bool PtySession::Start(const std::string& program, const std::vector<std::string
         m_error = "session already started";
         return false;
     }
-    // Everything the child needs is prepared before the fork.
+    // Everything the child needs is prepared before the fork. In a cross build
+    // the program runs under the same emulator as the test.
+    std::vector<std::string> words{program};
+    words.insert(words.end(), args.begin(), args.end());
+    const std::vector<std::string> command = options.hostProgram ? words : ChildCommand(words);
     std::vector<char*> argv;
-    argv.push_back(const_cast<char*>(program.c_str()));
-    for (const std::string& arg : args) {
-        argv.push_back(const_cast<char*>(arg.c_str()));
+    for (const std::string& word : command) {
+        argv.push_back(const_cast<char*>(word.c_str()));
     }
     argv.push_back(nullptr);
 
@@ -69,7 +74,7 @@ bool PtySession::Start(const std::string& program, const std::vector<std::string
             }
             close(in);
         }
-        execv(program.c_str(), argv.data());
+        execvp(argv[0], argv.data());
         static const char kMessage[] = "exec failed\n";
         (void)!write(STDOUT_FILENO, kMessage, sizeof kMessage - 1);
         _exit(127);

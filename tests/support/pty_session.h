@@ -46,6 +46,9 @@ struct PtySessionOptions {
     // When set, the program's standard input is this file instead of the
     // terminal (its output and controlling terminal stay the terminal).
     std::string stdinPath;
+    // A program of the host system (such as /bin/sleep) starts directly; the
+    // project's own programs start under the cross build's emulator, if any.
+    bool hostProgram = false;
 };
 
 class PtySession {

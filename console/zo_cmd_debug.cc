@@ -1,0 +1,36 @@
+// The console object: its file-level state, construction and the one instance.
+#include "zo_cmd_debug.h"
+
+#include <sys/mman.h>
+
+std::string g_strSwapFile = "/atv/dbg/.tv";
+ZoMutex g_mutex;
+void* g_pShareMem = MAP_FAILED;
+volatile SIGNAL_STATE_E g_enSignalState = SIGNAL_STATE_IDLE;
+const char* g_apModList[ZO_CMD_LIST_SIZE] = {};
+const char* g_apCmdList[ZO_CMD_LIST_SIZE] = {};
+
+ZoCmdDebug* ZoCmdDebug::ms_pInstance = nullptr;
+
+void Release(const void* /*arg*/) {}
+
+ZoCmdDebug::ZoCmdDebug()
+    : m_bRunning(ZO_FALSE),
+      m_pid(0),
+      m_pFileParse(nullptr),
+      m_strPrompt("TV $"),
+      m_pfnRelease(nullptr),
+      m_signalThread(SignalDectThread, this, nullptr)
+{
+}
+
+ZoCmdDebug* ZoCmdDebug::GetInstance()
+{
+    if (ms_pInstance == nullptr) {
+        // Lives until the process ends: the signal thread may still reach it
+        // while the process is being killed.
+        ms_pInstance = new ZoCmdDebug();
+        ms_pInstance->m_stream.Init();
+    }
+    return ms_pInstance;
+}

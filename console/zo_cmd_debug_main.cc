@@ -1,0 +1,7 @@
+// The shipped console: configuration and swap file in the device's fixed directory.
+#include "zo_cmd_debug.h"
+
+int main()
+{
+    return ZoCmdDebugMain("/atv/dbg");
+}

@@ -1,0 +1,69 @@
+// Ctrl-C, Ctrl-Z and resumption. The handlers only record which signal came;
+// the signal thread looks every 10 ms and acts by signalling the console's
+// own process, so nothing but one store happens in signal context.
+#include "zo_cmd_debug.h"
+
+#include <signal.h>
+#include <time.h>
+
+#include <cstdio>
+
+void ZoCmdDebug::QuitHandler(int /*signo*/)
+{
+    g_enSignalState = SIGNAL_STATE_QUIT;
+}
+
+void ZoCmdDebug::SuspendHandler(int /*signo*/)
+{
+    g_enSignalState = SIGNAL_STATE_SUSPEND;
+}
+
+void ZoCmdDebug::ResumeHandler(int /*signo*/)
+{
+    g_enSignalState = SIGNAL_STATE_RESUME;
+}
+
+// The state is never reset: an action repeats at every look until another
+// signal records another state (a resumed console keeps sending itself SIGCONT).
+void ZoCmdDebug::SignalDectThread(const void* /*arg*/)
+{
+    const struct timespec period = {0, 10000000};
+    for (;;) {
+        switch (g_enSignalState) {
+            case SIGNAL_STATE_RESUME: OnResume(); break;
+            case SIGNAL_STATE_SUSPEND: OnSuspend(); break;
+            case SIGNAL_STATE_QUIT: OnQuit(); break;
+            default: break;
+        }
+        nanosleep(&period, nullptr);
+    }
+}
+
+// Ends the process at once: the terminal is not restored and the page stays mapped.
+void ZoCmdDebug::OnQuit()
+{
+    ZoMutexGuard guard(g_mutex);
+    if (ms_pInstance->m_pfnRelease != nullptr) {
+        ms_pInstance->m_pfnRelease(nullptr);
+    }
+    if (kill(ms_pInstance->m_pid, SIGKILL) != 0) {
+        perror("OnQuit process failed\n");
+    }
+}
+
+// SIGSTOP, because the handler has replaced the stop that SIGTSTP would cause.
+void ZoCmdDebug::OnSuspend()
+{
+    ZoMutexGuard guard(g_mutex);
+    if (kill(ms_pInstance->m_pid, SIGSTOP) != 0) {
+        perror("OnSuspend process failed\n");
+    }
+}
+
+void ZoCmdDebug::OnResume()
+{
+    ZoMutexGuard guard(g_mutex);
+    if (kill(ms_pInstance->m_pid, SIGCONT) != 0) {
+        perror("OnResume process failed\n");
+    }
+}

@@ -1,0 +1,71 @@
+// The shared page between the console and the middleware service.
+//
+// Both processes map the first 4096 bytes of the swap file shared. Layout, in
+// the processor's native byte order:
+//
+//   offset 0  u32Flag   bit 0 SHM_FLAG_REQUEST: the console posted a request
+//                       bit 1 SHM_FLAG_REPLY:   the service's reply is complete
+//   offset 4  u32Size   length of the parcel data at offset 8
+//   offset 8  payload   4088 bytes: the request parcel, later the reply parcel
+//
+// A request is pending exactly when bit 0 is set and bit 1 is clear. The
+// console posts by writing the payload, then u32Size, then the flag word with
+// only bit 0 set (which also clears a reply flag left by the last exchange).
+// The service answers by writing the reply payload and u32Size, then setting
+// bit 1. The flag word is the only synchronisation: it is stored with release
+// and loaded with acquire ordering, so a side that sees the new flag also sees
+// the payload and size written before it, on a weakly ordered CPU as well.
+#ifndef ZO_CONSOLE_ZO_SHM_PAGE_H
+#define ZO_CONSOLE_ZO_SHM_PAGE_H
+
+#include <cstddef>
+#include <cstdint>
+
+constexpr size_t SHM_SIZE = 4096;
+constexpr size_t SHM_HEAD_SIZE = 8;
+constexpr size_t SHM_DATA_SIZE = SHM_SIZE - SHM_HEAD_SIZE;
+
+constexpr uint32_t SHM_FLAG_REQUEST = 1u << 0;
+constexpr uint32_t SHM_FLAG_REPLY = 1u << 1;
+
+// The first 8 bytes of the page.
+struct ShmHeader {
+    uint32_t u32Flag;
+    uint32_t u32Size;
+};
+static_assert(sizeof(ShmHeader) == SHM_HEAD_SIZE, "the page header is two 32-bit words");
+
+inline ShmHeader* ShmHeaderOf(void* page)
+{
+    return static_cast<ShmHeader*>(page);
+}
+
+inline uint8_t* ShmPayloadOf(void* page)
+{
+    return static_cast<uint8_t*>(page) + SHM_HEAD_SIZE;
+}
+
+// Publishes the flag word after everything written to the page before it.
+inline void ShmStoreFlag(void* page, uint32_t flag)
+{
+    __atomic_store_n(&ShmHeaderOf(page)->u32Flag, flag, __ATOMIC_RELEASE);
+}
+
+// Reads the flag word; what the other side wrote before it is visible after it.
+inline uint32_t ShmLoadFlag(void* page)
+{
+    return __atomic_load_n(&ShmHeaderOf(page)->u32Flag, __ATOMIC_ACQUIRE);
+}
+
+// u32Size, read or written without tearing; ordered by the flag word.
+inline void ShmStoreSize(void* page, uint32_t size)
+{
+    __atomic_store_n(&ShmHeaderOf(page)->u32Size, size, __ATOMIC_RELAXED);
+}
+
+inline uint32_t ShmLoadSize(void* page)
+{
+    return __atomic_load_n(&ShmHeaderOf(page)->u32Size, __ATOMIC_RELAXED);
+}
+
+#endif  // ZO_CONSOLE_ZO_SHM_PAGE_H

@@ -1,0 +1,181 @@
+// The console's side of a test against the real zo_service_sim: the program
+// as a second process, and the page as the console maps it. Every wait has a
+// deadline.
+#ifndef ZO_TESTS_TOOLS_SERVICE_SIM_SIM_HARNESS_H
+#define ZO_TESTS_TOOLS_SERVICE_SIM_SIM_HARNESS_H
+
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstring>
+#include <initializer_list>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <binder/Parcel.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "child_program.h"
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+using Bytes = std::vector<uint8_t>;
+
+// The bytes of a parcel that fill writes.
+template <typename Fill>
+Bytes Encode(Fill fill)
+{
+    android::Parcel p;
+    fill(p);
+    return Bytes(p.data(), p.data() + p.dataSize());
+}
+inline Bytes Ints(std::initializer_list<int32_t> values)
+{
+    return Encode([&](android::Parcel& p) {
+        for (int32_t v : values) {
+            p.writeInt32(v);
+        }
+    });
+}
+
+// Polls cond every millisecond; false when the deadline passes first.
+template <typename Cond>
+bool WaitFor(Cond cond, milliseconds timeout = milliseconds(3000))
+{
+    const auto deadline = Clock::now() + timeout;
+    while (!cond()) {
+        if (Clock::now() >= deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(milliseconds(1));
+    }
+    return true;
+}
+
+// The simulator with its standard output on a pipe and standard error in a file.
+class SimProcess {
+public:
+    SimProcess(const std::vector<std::string>& args, const std::string& errPath)
+    {
+        std::vector<char*> argv{const_cast<char*>(ZO_SERVICE_SIM_PATH)};
+        for (const std::string& a : args) {
+            argv.push_back(const_cast<char*>(a.c_str()));
+        }
+        argv.push_back(nullptr);
+        int out[2];
+        if (pipe(out) != 0 || (m_pid = fork()) < 0) {
+            return;
+        }
+        if (m_pid == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);  // never outlive a crashed test
+            dup2(out[1], STDOUT_FILENO);
+            dup2(open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
+            ExecChild(std::vector<std::string>(argv.begin(), argv.end() - 1));
+            _exit(127);
+        }
+        close(out[1]);
+        m_out = out[0];
+    }
+    ~SimProcess()
+    {
+        if (m_pid > 0) {
+            kill(m_pid, SIGKILL);
+            waitpid(m_pid, nullptr, 0);
+        }
+        close(m_out);
+    }
+
+    // The next output line without its line end; "<timeout>" when none comes in time.
+    std::string ReadLine(milliseconds timeout = milliseconds(3000))
+    {
+        const auto deadline = Clock::now() + timeout;
+        size_t eol;
+        while ((eol = m_buffer.find('\n')) == std::string::npos) {
+            const auto left = std::chrono::duration_cast<milliseconds>(deadline - Clock::now()).count();
+            struct pollfd p = {m_out, POLLIN, 0};
+            char chunk[512];
+            ssize_t n = 0;
+            if (left <= 0 || poll(&p, 1, static_cast<int>(left)) <= 0 || (n = read(m_out, chunk, sizeof chunk)) <= 0) {
+                return "<timeout>";
+            }
+            m_buffer.append(chunk, static_cast<size_t>(n));
+        }
+        std::string line = m_buffer.substr(0, eol);
+        m_buffer.erase(0, eol + 1);
+        return line;
+    }
+
+    // The wait status once the process has ended, -1 after the deadline.
+    int WaitExit()
+    {
+        int status = -1;
+        if (WaitFor([&] { return waitpid(m_pid, &status, WNOHANG) == m_pid; })) {
+            m_pid = -1;
+            return status;
+        }
+        return -1;
+    }
+    int Signal(int sig) { return kill(m_pid, sig) == 0 ? WaitExit() : -1; }
+
+private:
+    pid_t m_pid = -1;
+    int m_out = -1;
+    std::string m_buffer;
+};
+
+// The page as the console maps it, once the simulator has made it 4096 bytes long.
+class ConsolePage {
+public:
+    explicit ConsolePage(const std::string& path)
+    {
+        struct stat st {};
+        const int fd = WaitFor([&] { return stat(path.c_str(), &st) == 0 && st.st_size >= 4096; })
+                           ? open(path.c_str(), O_RDWR)
+                           : -1;
+        void* base = fd < 0 ? MAP_FAILED : mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+        m_base = base == MAP_FAILED ? nullptr : static_cast<uint8_t*>(base);
+        close(fd);
+    }
+    ~ConsolePage()
+    {
+        if (m_base != nullptr) {
+            munmap(m_base, 4096);
+        }
+    }
+    bool Mapped() const { return m_base != nullptr; }
+
+    // Payload, size, then the flag with the request bit alone, as the console posts.
+    void Post(const Bytes& bytes, uint32_t size)
+    {
+        std::memcpy(m_base + 8, bytes.data(), bytes.size());
+        std::memcpy(m_base + 4, &size, 4);
+        __atomic_store_n(reinterpret_cast<uint32_t*>(m_base), 1u, __ATOMIC_RELEASE);
+    }
+    void Post(const Bytes& bytes) { Post(bytes, static_cast<uint32_t>(bytes.size())); }
+
+    uint32_t Flag() const { return __atomic_load_n(reinterpret_cast<const uint32_t*>(m_base), __ATOMIC_ACQUIRE); }
+    uint32_t Size() const
+    {
+        uint32_t size = 0;
+        std::memcpy(&size, m_base + 4, 4);
+        return size;
+    }
+    bool WaitReply(milliseconds timeout = milliseconds(3000)) const
+    {
+        return WaitFor([this] { return (Flag() & 2u) != 0; }, timeout);
+    }
+    // The reply by u32Size, cut to the page when it claims more.
+    Bytes Reply() const { return Bytes(m_base + 8, m_base + 8 + (Size() < 4088 ? Size() : 4088)); }
+
+private:
+    uint8_t* m_base = nullptr;
+};
+
+#endif  // ZO_TESTS_TOOLS_SERVICE_SIM_SIM_HARNESS_H

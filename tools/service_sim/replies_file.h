@@ -1,0 +1,44 @@
+// RepliesFile: canned answers per instruction code, read from a text file.
+//
+// One line per code; blank lines and lines whose first non-blank character
+// is '#' are skipped:
+//
+//   CODE STATUS [VALUE ...]
+//
+// CODE is a command's own instruction code and must be in the catalogue;
+// STATUS is the reply status. Both are 32-bit numbers, decimal or 0x hex
+// (ParseInt32Word). The values are encoded by the command's print format,
+// letter by letter, skipping S, and starting again at the first letter when
+// the letters run out (the console prints one row per pass over the format);
+// fewer values than letters give a short reply on purpose. A string value is
+// one word, or a double-quoted text in which \" and \\ stand for " and \.
+// Every reply is encoded while the file is read, so a bad line is found at
+// start-up, never while the console waits.
+#ifndef ZO_TOOLS_SERVICE_SIM_REPLIES_FILE_H
+#define ZO_TOOLS_SERVICE_SIM_REPLIES_FILE_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "command_index.h"
+
+class RepliesFile {
+public:
+    // Reads the file at path; false with "PATH line N: reason" in error.
+    bool Load(const std::string& path, const CommandIndex& index, std::string& error);
+    // Reads the text of a replies file; false with "line N: reason" in error.
+    // On failure the table keeps the lines read before the bad one.
+    bool Parse(const std::string& text, const CommandIndex& index, std::string& error);
+
+    // The encoded reply for code, or null when the file has none.
+    const std::vector<uint8_t>* Find(int32_t code) const;
+
+private:
+    bool ParseLine(const std::string& line, const CommandIndex& index, std::string& error);
+
+    std::map<int32_t, std::vector<uint8_t>> m_replies;
+};
+
+#endif  // ZO_TOOLS_SERVICE_SIM_REPLIES_FILE_H

@@ -1,0 +1,98 @@
+#include "service_sim.h"
+
+#include <ctime>
+
+#include "reply_encoder.h"
+
+namespace {
+
+constexpr unsigned kPollMs = 2;
+
+}  // namespace
+
+ServiceSim::ServiceSim(const SimOptions& opts, const CommandIndex& index, const RepliesFile& replies,
+                       SharedPage& page, std::FILE* out)
+    : m_opts(opts), m_index(index), m_replies(replies), m_page(page), m_out(out)
+{
+}
+
+void ServiceSim::Serve(const volatile sig_atomic_t& stop)
+{
+    while (stop == 0) {
+        if (m_page.RequestPending()) {
+            ServeOne(stop);
+        } else {
+            SleepUnlessStopped(kPollMs, stop);
+        }
+    }
+}
+
+void ServiceSim::ServeOne(const volatile sig_atomic_t& stop)
+{
+    const uint32_t size = m_page.RequestSize();
+    DecodedRequest request;
+    if (size > SharedPage::kPayloadSize) {
+        request.line = "bad request: u32Size " + std::to_string(size) + " is more than 4088";
+    } else {
+        request = DecodeRequest(m_page.Payload(size), m_index);
+    }
+    std::fprintf(m_out, "%s\n", request.line.c_str());
+    std::fflush(m_out);
+
+    if (m_opts.noReply) {
+        m_page.DropRequest();
+        return;
+    }
+    if (!SleepUnlessStopped(m_opts.delayMs, stop)) {
+        return;
+    }
+    std::vector<uint8_t> reply = ChooseReply(request);
+    if (reply.size() > kMaxReplyBytes) {
+        reply = StatusReply(kStatusBadRequest);
+    }
+    const uint32_t claimed = m_opts.forceSize ? m_opts.sizeValue : static_cast<uint32_t>(reply.size());
+    m_page.PostReply(reply, claimed);
+}
+
+std::vector<uint8_t> ServiceSim::ChooseReply(const DecodedRequest& request)
+{
+    switch (request.kind) {
+    case DecodedRequest::Kind::kUnknownCode:
+        return StatusReply(kStatusUnknownCode);
+    case DecodedRequest::Kind::kBadRequest:
+        return StatusReply(kStatusBadRequest);
+    case DecodedRequest::Kind::kCommand:
+        break;
+    }
+    if (m_opts.forceStatus) {
+        return StatusReply(m_opts.status);
+    }
+    if (m_opts.garbage) {
+        std::vector<uint8_t> reply = StatusReply(0);
+        for (uint32_t i = 0; i < m_opts.garbageBytes; ++i) {
+            reply.push_back(static_cast<uint8_t>(m_garbage()));
+        }
+        return reply;
+    }
+    const std::vector<uint8_t>* canned = m_replies.Find(request.command->instruct);
+    return canned != nullptr ? *canned : BuiltInReply(request.command->printFmt);
+}
+
+bool ServiceSim::SleepUnlessStopped(unsigned ms, const volatile sig_atomic_t& stop)
+{
+    // Against a deadline, so that a long delay does not grow by the cost of each step.
+    struct timespec now {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    const int64_t deadline = static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec + int64_t{ms} * 1000000;
+    while (stop == 0) {
+        clock_gettime(CLOCK_MONOTONIC, &now);
+        const int64_t left = deadline - (static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec);
+        if (left <= 0) {
+            break;
+        }
+        const int64_t step = left < int64_t{kPollMs} * 1000000 ? left : int64_t{kPollMs} * 1000000;
+        const struct timespec pause = {0, static_cast<long>(step)};
+        nanosleep(&pause, nullptr);
+    }
+    return stop == 0;
+}
