@@ -162,16 +162,10 @@ private:
     static std::string GetBlockTitile(const std::string& row);
 
     // Key tests: the row holds "=" and its trimmed key part names the key.
-    static bool IsCommand(const std::string& row);
-    static bool IsInstruction(const std::string& row);
-    static bool IsDescription(const std::string& row);
-    static bool IsBelongMod(const std::string& row);
-    static bool IsPrintFmt(const std::string& row);
-    static bool IsPrintTags(const std::string& row);
-    static bool IsParaFormat(const std::string& row);
-    // The one key test behind the seven: tooLongFormat reports a key part
-    // that does not fit the row buffer.
-    static bool IsKey(const std::string& row, const char* key, const char* tooLongFormat);
+    // The first of the count keys, tried in order, that names the row, or
+    // kNone. A key part too long for the row buffer names none, and is
+    // reported once for every key tried ("IsCommand string str.size(): ...").
+    static Key KeyOf(const std::string& row, const Key* keys, size_t count);
 
     // Values: the trimmed text after the first "="; a value that does not fit
     // the row buffer is reported and yields the empty value.

@@ -171,42 +171,15 @@ int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName
 
 ZoFileParse::Key ZoFileParse::ModKeyOf(const std::string& row)
 {
-    if (IsCommand(row)) {
-        return Key::kCommand;
-    }
-    if (IsInstruction(row)) {
-        return Key::kInstruction;
-    }
-    if (IsDescription(row)) {
-        return Key::kDescription;
-    }
-    return Key::kNone;
+    static const Key keys[] = {Key::kCommand, Key::kInstruction, Key::kDescription};
+    return KeyOf(row, keys, sizeof keys / sizeof keys[0]);
 }
 
 ZoFileParse::Key ZoFileParse::CmdKeyOf(const std::string& row)
 {
-    if (IsCommand(row)) {
-        return Key::kCommand;
-    }
-    if (IsBelongMod(row)) {
-        return Key::kBelongModule;
-    }
-    if (IsInstruction(row)) {
-        return Key::kInstruction;
-    }
-    if (IsParaFormat(row)) {
-        return Key::kParaFormat;
-    }
-    if (IsPrintFmt(row)) {
-        return Key::kPrintFormat;
-    }
-    if (IsPrintTags(row)) {
-        return Key::kPrintTags;
-    }
-    if (IsDescription(row)) {
-        return Key::kDescription;
-    }
-    return Key::kNone;
+    static const Key keys[] = {Key::kCommand,     Key::kBelongModule, Key::kInstruction, Key::kParaFormat,
+                               Key::kPrintFormat, Key::kPrintTags,    Key::kDescription};
+    return KeyOf(row, keys, sizeof keys / sizeof keys[0]);
 }
 
 ZoFileParse::Key ZoFileParse::SetModKey(const std::string& row, ZoModInfo& mod)

@@ -107,74 +107,60 @@ std::string ZoFileParse::GetBlockTitile(const std::string& row)
 // ---------------------------------------------------------------------------
 // Key tests
 
-bool ZoFileParse::IsKey(const std::string& row, const char* key, const char* tooLongFormat)
+namespace {
+
+// A key's text and the message of its test for a key part too long for the
+// row buffer, by ZoFileParse::Key.
+struct KeyText {
+    const char* key;
+    const char* tooLongFormat;
+};
+
+KeyText TextOf(ZoFileParse::Key key)
 {
-    // Every row meets up to seven key tests, and most fail on the first
-    // letter of the key part. A row shorter than the buffer cannot be
-    // reported, and one whose first letter is neither the key's nor the "="
-    // fails below whatever else it holds: reject it before searching.
-    size_t first = 0;
-    while (first < row.size() && IsSpace(row[first])) {
-        ++first;
+    switch (key) {
+        case ZoFileParse::Key::kCommand: return {"command", "IsCommand string str.size(): %d\n"};
+        case ZoFileParse::Key::kBelongModule: return {"belong module", "IsBelongMod string str.size(): %d]\n"};
+        case ZoFileParse::Key::kInstruction: return {"instruction", "IsInstruction string str.size(): %d\n"};
+        case ZoFileParse::Key::kParaFormat: return {"para format", "IsParaFormat string str.size(): %d\n"};
+        case ZoFileParse::Key::kPrintFormat: return {"print format", "IsPrintFmt string str.size(): %d\n"};
+        case ZoFileParse::Key::kPrintTags: return {"print tags", "IsPrintTags string str.size(): %d\n"};
+        case ZoFileParse::Key::kDescription: return {"description", "IsDescription string str.size(): %d\n"};
+        case ZoFileParse::Key::kNone: break;
     }
-    if (row.size() < kRowBufSize && first < row.size() && row[first] != key[0] && row[first] != '=') {
-        return false;
-    }
+    return {"", ""};
+}
+
+}  // namespace
+
+// Every row of a block meets the key tests: the key part is found, trimmed
+// and copied once, then compared with each key in turn.
+ZoFileParse::Key ZoFileParse::KeyOf(const std::string& row, const Key* keys, size_t count)
+{
     const size_t n = row.find('=');
     if (n == std::string::npos) {
-        return false;
+        return Key::kNone;
     }
     if (n >= kRowBufSize) {
-        printf(tooLongFormat, static_cast<int>(n));
-        return false;
-    }
-    // The blanks end at the "=" at the latest, so first <= n. An empty key
-    // part (n of 0) compares nothing and names every key.
-    if (n > 0 && (first == n || row[first] != key[0])) {
-        return false;
+        for (size_t i = 0; i < count; ++i) {
+            printf(TextOf(keys[i]).tooLongFormat, static_cast<int>(n));
+        }
+        return Key::kNone;
     }
     char buf[kRowBufSize];
     if (CopyTrimmed(row.data(), n, buf) == kRefused) {
-        return false;
+        return Key::kNone;
     }
     // Limited by the untrimmed key part: "desc=x" names "description", while
-    // "desc =x" compares the terminator against 'r' and names nothing.
-    return std::strncmp(key, buf, n) == 0;
-}
-
-bool ZoFileParse::IsCommand(const std::string& row)
-{
-    return IsKey(row, "command", "IsCommand string str.size(): %d\n");
-}
-
-bool ZoFileParse::IsInstruction(const std::string& row)
-{
-    return IsKey(row, "instruction", "IsInstruction string str.size(): %d\n");
-}
-
-bool ZoFileParse::IsDescription(const std::string& row)
-{
-    return IsKey(row, "description", "IsDescription string str.size(): %d\n");
-}
-
-bool ZoFileParse::IsBelongMod(const std::string& row)
-{
-    return IsKey(row, "belong module", "IsBelongMod string str.size(): %d]\n");
-}
-
-bool ZoFileParse::IsPrintFmt(const std::string& row)
-{
-    return IsKey(row, "print format", "IsPrintFmt string str.size(): %d\n");
-}
-
-bool ZoFileParse::IsPrintTags(const std::string& row)
-{
-    return IsKey(row, "print tags", "IsPrintTags string str.size(): %d\n");
-}
-
-bool ZoFileParse::IsParaFormat(const std::string& row)
-{
-    return IsKey(row, "para format", "IsParaFormat string str.size(): %d\n");
+    // "desc =x" compares the terminator against 'r' and names nothing. An
+    // empty key part (n of 0) compares nothing and names the first key.
+    for (size_t i = 0; i < count; ++i) {
+        const char* key = TextOf(keys[i]).key;
+        if ((n == 0 || key[0] == buf[0]) && std::strncmp(key, buf, n) == 0) {
+            return keys[i];
+        }
+    }
+    return Key::kNone;
 }
 
 // ---------------------------------------------------------------------------
