@@ -3,68 +3,26 @@
 // reading, since nothing on the load path may grow faster than the rows.
 // The same pair at a quarter and at four times the size shows the growth:
 // items_per_second (commands a second) must stay flat across the sizes.
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <string>
 
-#include <ftw.h>
-#include <unistd.h>
-
 #include <benchmark/benchmark.h>
 
+#include "bench_catalogue.h"
 #include "zo_file_parse.h"
 
 namespace {
 
 constexpr int kCommandsPerModule = 100;
 
-// Writes the two files of a catalogue into a temporary directory, removed at exit.
-class Catalogue {
-public:
-    explicit Catalogue(int modules)
-    {
-        const char* base = std::getenv("TMPDIR");
-        std::string pattern = std::string(base != nullptr ? base : "/tmp") + "/zo_bench_XXXXXX";
-        if (mkdtemp(&pattern[0]) == nullptr) {
-            std::perror("mkdtemp");
-            std::exit(1);
-        }
-        m_dir = pattern;
-        std::ofstream mods(m_dir + "/mods.conf");
-        std::ofstream cmds(m_dir + "/cmds.conf");
-        for (int m = 0; m < modules; ++m) {
-            const std::string name = "Module" + std::to_string(m);
-            mods << "[" << name << "]\ncommand = mod" << m << "\ninstruction = 0x" << std::hex << (m + 1) * 0x100
-                 << std::dec << "\ndescription = module number " << m << "\n\n";
-            for (int c = 0; c < kCommandsPerModule; ++c) {
-                cmds << "[" << name << " command " << c << "]\ncommand = cmd" << c << "\nbelong module = " << name
-                     << "\ninstruction = 0x" << std::hex << (m + 1) * 0x100 + c + 1 << std::dec
-                     << "\npara format = dDfFs\nprint format = dsF\nprint tags = number,name,value\n"
-                     << "description = command " << c << " of module " << m << "\n\n";
-            }
-        }
-    }
-    ~Catalogue()
-    {
-        nftw(m_dir.c_str(), [](const char* p, const struct stat*, int, struct FTW*) { return ::remove(p); }, 4,
-             FTW_DEPTH | FTW_PHYS);
-    }
-    const std::string& Dir() const { return m_dir; }
-
-private:
-    std::string m_dir;
-};
-
 // One catalogue per size, written on first use.
-const Catalogue& CatalogueOf(int modules)
+const BenchCatalogue& CatalogueOf(int modules)
 {
-    static std::map<int, std::unique_ptr<Catalogue>> catalogues;
-    std::unique_ptr<Catalogue>& catalogue = catalogues[modules];
+    static std::map<int, std::unique_ptr<BenchCatalogue>> catalogues;
+    std::unique_ptr<BenchCatalogue>& catalogue = catalogues[modules];
     if (!catalogue) {
-        catalogue = std::make_unique<Catalogue>(modules);
+        catalogue = std::make_unique<BenchCatalogue>(modules, kCommandsPerModule);
     }
     return *catalogue;
 }
