@@ -25,10 +25,7 @@ int MsLeft(Clock::time_point deadline)
     return left > 0 ? static_cast<int>(left) : 0;
 }
 
-Clock::time_point After(int ms)
-{
-    return Clock::now() + std::chrono::milliseconds(ms);
-}
+Clock::time_point After(int ms) { return Clock::now() + std::chrono::milliseconds(ms); }
 
 }  // namespace
 
@@ -45,25 +42,12 @@ PtySession::~PtySession()
 
 bool PtySession::Start(const std::string& program, const std::vector<std::string>& args, const Options& options)
 {
-    if (m_pid > 0) {
-        m_error = "session already started";
-        return false;
-    }
-    // Everything the child needs is prepared before the fork. In a cross build
-    // the program runs under the same emulator as the test.
     std::vector<std::string> words{program};
     words.insert(words.end(), args.begin(), args.end());
-    const std::vector<std::string> command = options.hostProgram ? words : ChildCommand(words);
-    std::vector<char*> argv;
-    for (const std::string& word : command) {
-        argv.push_back(const_cast<char*>(word.c_str()));
-    }
-    argv.push_back(nullptr);
-
     int master = -1;
-    const pid_t pid = forkpty(&master, nullptr, options.initialTermios, nullptr);
+    const pid_t pid = m_pid > 0 ? -1 : forkpty(&master, nullptr, options.initialTermios, nullptr);
     if (pid < 0) {
-        m_error = std::string("forkpty: ") + std::strerror(errno);
+        m_error = m_pid > 0 ? "session already started" : std::string("forkpty: ") + std::strerror(errno);
         return false;
     }
     if (pid == 0) {
@@ -72,9 +56,17 @@ bool PtySession::Start(const std::string& program, const std::vector<std::string
             if (in < 0 || dup2(in, STDIN_FILENO) < 0) {
                 _exit(126);
             }
-            close(in);
         }
-        execvp(argv[0], argv.data());
+        if (options.hostProgram) {
+            std::vector<char*> argv;
+            for (std::string& word : words) {
+                argv.push_back(&word[0]);
+            }
+            argv.push_back(nullptr);
+            execvp(argv[0], argv.data());
+        } else {
+            ExecChild(words);
+        }
         static const char kMessage[] = "exec failed\n";
         (void)!write(STDOUT_FILENO, kMessage, sizeof kMessage - 1);
         _exit(127);
@@ -103,7 +95,7 @@ bool PtySession::ReadSome(int timeoutMs)
     if (n < 0 && (errno == EAGAIN || errno == EINTR)) {
         return true;
     }
-    m_closed = true;  // EOF, or EIO once no process holds the slave side
+    m_closed = true;  // EOF, or EIO once the program is gone
     return false;
 }
 
@@ -180,7 +172,6 @@ bool PtySession::WaitForExit(int* status, int timeoutMs)
         if (done < 0 || MsLeft(deadline) == 0) {
             return false;
         }
-        // Draining the screen keeps a chatty program from blocking on its output.
         if (!ReadSome(std::min(10, MsLeft(deadline)))) {
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
@@ -202,15 +193,9 @@ void PtySession::CloseTerminal()
     }
 }
 
-int PtySession::GetAttr(struct termios* settings) const
-{
-    return tcgetattr(m_master, settings);
-}
+int PtySession::GetAttr(struct termios* settings) const { return tcgetattr(m_master, settings); }
 
-int PtySession::SetAttr(const struct termios& settings)
-{
-    return tcsetattr(m_master, TCSANOW, &settings);
-}
+int PtySession::SetAttr(const struct termios& settings) { return tcsetattr(m_master, TCSANOW, &settings); }
 
 bool PtySession::DefaultTermios(struct termios* settings)
 {
