@@ -1,6 +1,5 @@
 // The console's side of a test against the real zo_service_sim: the program
-// as a second process, and the page as the console maps it. Every wait has a
-// deadline.
+// as a second process, and the page as the console maps it.
 #ifndef ZO_TESTS_TOOLS_SERVICE_SIM_SIM_HARNESS_H
 #define ZO_TESTS_TOOLS_SERVICE_SIM_SIM_HARNESS_H
 
@@ -17,7 +16,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -62,26 +60,17 @@ bool WaitFor(Cond cond, milliseconds timeout = milliseconds(3000))
 // The simulator with its standard output on a pipe and standard error in a file.
 class SimProcess {
 public:
-    SimProcess(const std::vector<std::string>& args, const std::string& errPath)
+    SimProcess(std::vector<std::string> args, const std::string& errPath)
     {
-        std::vector<char*> argv{const_cast<char*>(ZO_SERVICE_SIM_PATH)};
-        for (const std::string& a : args) {
-            argv.push_back(const_cast<char*>(a.c_str()));
-        }
-        argv.push_back(nullptr);
+        args.insert(args.begin(), ZO_SERVICE_SIM_PATH);
         int out[2];
-        if (pipe(out) != 0 || (m_pid = fork()) < 0) {
-            return;
+        if (pipe2(out, O_CLOEXEC) == 0) {
+            const int err = open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+            m_pid = SpawnChild(args, -1, out[1], err);
+            close(err);
+            close(out[1]);
+            m_out = out[0];
         }
-        if (m_pid == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);  // never outlive a crashed test
-            dup2(out[1], STDOUT_FILENO);
-            dup2(open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
-            ExecChild(std::vector<std::string>(argv.begin(), argv.end() - 1));
-            _exit(127);
-        }
-        close(out[1]);
-        m_out = out[0];
     }
     ~SimProcess()
     {
@@ -115,12 +104,9 @@ public:
     // The wait status once the process has ended, -1 after the deadline.
     int WaitExit()
     {
-        int status = -1;
-        if (WaitFor([&] { return waitpid(m_pid, &status, WNOHANG) == m_pid; })) {
-            m_pid = -1;
-            return status;
-        }
-        return -1;
+        const int status = WaitChild(m_pid, 3000);
+        m_pid = -1;
+        return status;
     }
     int Signal(int sig) { return kill(m_pid, sig) == 0 ? WaitExit() : -1; }
 
