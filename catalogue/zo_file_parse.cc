@@ -16,7 +16,12 @@ void ZoFileParse::ZoCmdInfo::Clear()
     strDescrip.clear();
 }
 
-ZoFileParse::ZoFileParse() : m_s32IOExceptionStatus(0) {}
+ZoFileParse::ZoFileParse() : m_s32IOExceptionStatus(0), m_pObserver(nullptr) {}
+
+void ZoFileParse::SetObserver(ZoFileParseObserver* observer)
+{
+    m_pObserver = observer;
+}
 
 int ZoFileParse::Init(const std::string& dir)
 {
@@ -41,22 +46,27 @@ int ZoFileParse::GetIOExceptionStatus() const
 // ---------------------------------------------------------------------------
 // Entering records
 
-void ZoFileParse::EnterModule(ZoModInfo mod)
+ZoFileParse::Entry ZoFileParse::EnterModule(ZoModInfo mod)
 {
     const std::string name = mod.strName;
-    const auto stored = m_mapModInfo.try_emplace(name, std::move(mod)).first;
+    const auto stored = m_mapModInfo.try_emplace(name, std::move(mod));
     // The stored module's code: a repeated name keeps the first block's code.
-    m_mapCmdInfo[stored->second.s32Instruct];
+    m_mapCmdInfo[stored.first->second.s32Instruct];
+    return stored.second ? Entry::kEntered : Entry::kDuplicateModule;
 }
 
-void ZoFileParse::EnterCommand(ZoCmdInfo cmd)
+ZoFileParse::Entry ZoFileParse::EnterCommand(ZoCmdInfo cmd)
 {
     const auto mod = m_mapModInfo.find(cmd.strBelongMod);
-    if (mod == m_mapModInfo.end() || mod->second.s32Instruct == -1) {
-        return;
+    if (mod == m_mapModInfo.end()) {
+        return Entry::kUnknownModule;
+    }
+    if (mod->second.s32Instruct == -1) {
+        return Entry::kModuleWithoutInstruction;
     }
     const std::string word = cmd.strCommand;
-    m_mapCmdInfo[mod->second.s32Instruct].try_emplace(word, std::move(cmd));
+    const bool entered = m_mapCmdInfo[mod->second.s32Instruct].try_emplace(word, std::move(cmd)).second;
+    return entered ? Entry::kEntered : Entry::kDuplicateCommand;
 }
 
 // ---------------------------------------------------------------------------

@@ -11,6 +11,9 @@
 // Lookups never fail and never change the catalogue: a miss yields an empty
 // string, an empty Array or -1. Results are copies.
 //
+// An optional observer (zo_file_parse_observer.h) watches the load row by row;
+// without one the load does no more than described above.
+//
 // Not thread-safe: filled and read by the console's main thread only.
 #ifndef ZO_CATALOGUE_ZO_FILE_PARSE_H
 #define ZO_CATALOGUE_ZO_FILE_PARSE_H
@@ -25,8 +28,31 @@
 #include "zo_mw_array.h"
 #include "zo_tv_support.h"
 
+class ZoFileParseObserver;
+
 class ZoFileParse {
 public:
+    // The keys of the two files; kNone for a row that is no key row.
+    enum class Key {
+        kNone,
+        kCommand,
+        kBelongModule,
+        kInstruction,
+        kParaFormat,
+        kPrintFormat,
+        kPrintTags,
+        kDescription,
+    };
+
+    // What became of a finished block offered to the catalogue.
+    enum class Entry {
+        kEntered,
+        kDuplicateModule,           // a module of that name was entered before
+        kUnknownModule,             // "belong module" names no module
+        kModuleWithoutInstruction,  // the module it belongs to has no code
+        kDuplicateCommand,          // the word is taken within the module's code
+    };
+
     // One module of "mods.conf".
     struct ZoModInfo {
         std::string strName;      // block title: the module's name
@@ -51,6 +77,10 @@ public:
     };
 
     ZoFileParse();
+
+    // Lets observer watch the next Init; null (the default) for none. The
+    // observer is borrowed and must outlive Init.
+    void SetObserver(ZoFileParseObserver* observer);
 
     // Reads "mods.conf", then "cmds.conf" (also when the first failed) from
     // dir; messages go to standard output. The result is not meaningful: the
@@ -90,23 +120,30 @@ private:
     int ParseModulePtr(std::unique_ptr<ZoFile>& file);
     int ParseCmdPtr(std::unique_ptr<ZoFile>& file);
     // The block loop both files share: openBlock gets a title's name, setKey
-    // sets one field from a row (false when the row is no key row of the
-    // file), closeBlock enters and resets the record being filled.
-    static int ParseBlocks(std::unique_ptr<ZoFile>& file, const std::function<void(const std::string&)>& openBlock,
-                           const std::function<bool(const std::string&)>& setKey,
-                           const std::function<void()>& closeBlock);
-    // The first key of the file that matches the row sets its field.
-    static bool SetModKey(const std::string& row, ZoModInfo& mod);
-    static bool SetCmdKey(const std::string& row, ZoCmdInfo& cmd);
+    // sets one field from a row and returns its key (Key::kNone when the row
+    // is no key row of the file), closeBlock enters and resets the record
+    // being filled, given the row of its title. fileName and keyOf (which
+    // names a row's key without setting anything) serve the observer only.
+    int ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName, Key (*keyOf)(const std::string&),
+                    const std::function<void(const std::string&)>& openBlock,
+                    const std::function<Key(const std::string&)>& setKey, const std::function<void(int)>& closeBlock);
+    // The first key of the file that names the row; SetModKey and SetCmdKey
+    // also set its field.
+    static Key ModKeyOf(const std::string& row);
+    static Key CmdKeyOf(const std::string& row);
+    static Key SetModKey(const std::string& row, ZoModInfo& mod);
+    static Key SetCmdKey(const std::string& row, ZoCmdInfo& cmd);
+    // Tells the observer what became of the value of a key row just taken.
+    void ObserveValue(const char* fileName, int rowNumber, const std::string& row, Key key) const;
 
     // --- Entering records (zo_file_parse.cc) ---
     // Records are taken by value: the block reader moves each finished record
     // in and starts the next from the defaults.
     // First module of a name wins; its code always gets a command table entry.
-    void EnterModule(ZoModInfo mod);
+    Entry EnterModule(ZoModInfo mod);
     // Dropped silently when its module is unknown or has no instruction; the
     // first command of a word within a code wins.
-    void EnterCommand(ZoCmdInfo cmd);
+    Entry EnterCommand(ZoCmdInfo cmd);
     // The command filed under a module code and word; null on a miss.
     const ZoCmdInfo* FindCmd(int32_t modInstruct, const std::string& cmd) const;
 
@@ -145,6 +182,9 @@ private:
     static std::string GetParaFormat(const std::string& row);
     // Hexadecimal, clamped to 32 bits; 0 for a value without a digit.
     static int32_t GetInstruction(const std::string& row);
+    // Reads a trimmed "instruction" value as GetInstruction does, without a
+    // message; false when it holds no hexadecimal number.
+    static bool ReadInstruction(const char* text, int32_t& value);
     // Split at every ",", untrimmed; an empty value gives one empty tag.
     static Array<std::string> GetPrintTags(const std::string& row);
     // The one extraction behind the seven: fills buf with the trimmed value
@@ -156,6 +196,7 @@ private:
     std::map<std::string, ZoModInfo> m_mapModInfo;
     std::map<int32_t, std::map<std::string, ZoCmdInfo>> m_mapCmdInfo;
     int32_t m_s32IOExceptionStatus;
+    ZoFileParseObserver* m_pObserver;
 };
 
 #endif  // ZO_CATALOGUE_ZO_FILE_PARSE_H

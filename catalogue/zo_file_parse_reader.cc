@@ -7,6 +7,8 @@
 // next block, anything else is skipped up to the next title.
 #include "zo_file_parse.h"
 
+#include "zo_file_parse_observer.h"
+
 #include <cstdio>
 #include <utility>
 
@@ -23,7 +25,7 @@ constexpr FileNames kModsFile = {"mods.conf", "mods.conf is empty!", "ParseModul
 constexpr FileNames kCmdsFile = {"cmds.conf", "cmds.conf is empty!", "ParseCmdPtr call failed ,ret = %d\n"};
 
 // Opens the file, or prints why not and returns null.
-std::unique_ptr<ZoFile> OpenRows(const std::string& dir, const FileNames& names)
+std::unique_ptr<ZoFile> OpenRows(const std::string& dir, const FileNames& names, ZoFileParseObserver* observer)
 {
     std::unique_ptr<ZoFile> file(new ZoFile());
     file->Init(dir + "/" + names.fileName, "r");
@@ -33,6 +35,9 @@ std::unique_ptr<ZoFile> OpenRows(const std::string& dir, const FileNames& names)
     }
     if (file->IsEmpty()) {
         puts(names.emptyMessage);
+        if (observer != nullptr) {
+            observer->OnFileEmpty(names.fileName);
+        }
         return nullptr;
     }
     return file;
@@ -54,7 +59,7 @@ int FinishFile(std::unique_ptr<ZoFile>& file, int ret, const FileNames& names)
 
 int ZoFileParse::ParseModules(const std::string& dir)
 {
-    std::unique_ptr<ZoFile> file = OpenRows(dir, kModsFile);
+    std::unique_ptr<ZoFile> file = OpenRows(dir, kModsFile, m_pObserver);
     if (!file) {
         return -1;
     }
@@ -63,7 +68,7 @@ int ZoFileParse::ParseModules(const std::string& dir)
 
 int ZoFileParse::ParseCmds(const std::string& dir)
 {
-    std::unique_ptr<ZoFile> file = OpenRows(dir, kCmdsFile);
+    std::unique_ptr<ZoFile> file = OpenRows(dir, kCmdsFile, m_pObserver);
     if (!file) {
         return -1;
     }
@@ -74,10 +79,15 @@ int ZoFileParse::ParseModulePtr(std::unique_ptr<ZoFile>& file)
 {
     ZoModInfo mod;
     return ParseBlocks(
-        file, [&mod](const std::string& name) { mod.strName = name; },
+        file, kModsFile.fileName, ModKeyOf, [&mod](const std::string& name) { mod.strName = name; },
         [&mod](const std::string& row) { return SetModKey(row, mod); },
-        [this, &mod]() {
-            EnterModule(std::move(mod));
+        [this, &mod](int titleRow) {
+            if (m_pObserver == nullptr) {
+                EnterModule(std::move(mod));
+            } else {
+                const ZoModInfo offered = mod;
+                m_pObserver->OnModule(kModsFile.fileName, titleRow, offered, EnterModule(std::move(mod)));
+            }
             mod = ZoModInfo();
         });
 }
@@ -86,82 +96,165 @@ int ZoFileParse::ParseCmdPtr(std::unique_ptr<ZoFile>& file)
 {
     ZoCmdInfo cmd;
     return ParseBlocks(
-        file, [&cmd](const std::string& name) { cmd.strName = name; },
+        file, kCmdsFile.fileName, CmdKeyOf, [&cmd](const std::string& name) { cmd.strName = name; },
         [&cmd](const std::string& row) { return SetCmdKey(row, cmd); },
-        [this, &cmd]() {
-            EnterCommand(std::move(cmd));
+        [this, &cmd](int titleRow) {
+            if (m_pObserver == nullptr) {
+                EnterCommand(std::move(cmd));
+            } else {
+                const ZoCmdInfo offered = cmd;
+                m_pObserver->OnCommand(kCmdsFile.fileName, titleRow, offered, EnterCommand(std::move(cmd)));
+            }
             cmd.Clear();
         });
 }
 
-int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const std::function<void(const std::string&)>& openBlock,
-                             const std::function<bool(const std::string&)>& setKey,
-                             const std::function<void()>& closeBlock)
+int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName, Key (*keyOf)(const std::string&),
+                             const std::function<void(const std::string&)>& openBlock,
+                             const std::function<Key(const std::string&)>& setKey,
+                             const std::function<void(int)>& closeBlock)
 {
+    ZoFileParseObserver* const observer = m_pObserver;
     bool blockOpen = false;
+    int titleRow = 0;
+    int rowNumber = 0;  // of the row last delivered; a put-back row counts again
     while (!file->IsEOF()) {
         const std::string row = file->NextRow();
+        ++rowNumber;
         if (row.empty()) {
             continue;
         }
         // Tested on every row, so an over-long row is reported even between blocks.
         const bool title = IsBlockTitile(row);
+        if (observer != nullptr && row.size() >= kRowBufSize) {
+            observer->OnLongTitleRow(fileName, rowNumber, row, row.size());
+        }
         if (!blockOpen) {
             if (title) {
                 openBlock(GetBlockTitile(row));
                 blockOpen = true;
+                titleRow = rowNumber;
+                if (observer != nullptr) {
+                    observer->OnBlockOpened(fileName, rowNumber, GetBlockTitile(row));
+                }
+            } else if (observer != nullptr) {
+                observer->OnRowSkipped(fileName, rowNumber, row, keyOf(row));
             }
             continue;
         }
-        if (setKey(row)) {
+        const Key key = setKey(row);
+        if (key != Key::kNone) {
+            if (observer != nullptr) {
+                observer->OnKeyTaken(fileName, rowNumber, key);
+                ObserveValue(fileName, rowNumber, row, key);
+            }
             continue;
         }
-        closeBlock();
+        if (observer != nullptr && !title) {
+            const size_t n = row.find('=');
+            observer->OnBlockEndedEarly(fileName, rowNumber, row, n != std::string::npos && n >= kRowBufSize);
+        }
+        closeBlock(titleRow);
         blockOpen = false;
         if (file->RollBack() != 0) {
             puts("rollBack failed");
             file.reset();
             return -1;
         }
+        --rowNumber;
     }
     if (blockOpen) {
-        closeBlock();
+        closeBlock(titleRow);
     }
     return 0;
 }
 
-bool ZoFileParse::SetModKey(const std::string& row, ZoModInfo& mod)
+ZoFileParse::Key ZoFileParse::ModKeyOf(const std::string& row)
 {
     if (IsCommand(row)) {
-        mod.strCommand = GetCommand(row);
-    } else if (IsInstruction(row)) {
-        mod.s32Instruct = GetInstruction(row);
-    } else if (IsDescription(row)) {
-        mod.strDescrip = GetDescription(row);
-    } else {
-        return false;
+        return Key::kCommand;
     }
-    return true;
+    if (IsInstruction(row)) {
+        return Key::kInstruction;
+    }
+    if (IsDescription(row)) {
+        return Key::kDescription;
+    }
+    return Key::kNone;
 }
 
-bool ZoFileParse::SetCmdKey(const std::string& row, ZoCmdInfo& cmd)
+ZoFileParse::Key ZoFileParse::CmdKeyOf(const std::string& row)
 {
     if (IsCommand(row)) {
-        cmd.strCommand = GetCommand(row);
-    } else if (IsBelongMod(row)) {
-        cmd.strBelongMod = GetBelongMod(row);
-    } else if (IsInstruction(row)) {
-        cmd.s32Instruct = GetInstruction(row);
-    } else if (IsParaFormat(row)) {
-        cmd.strParaFmt = GetParaFormat(row);
-    } else if (IsPrintFmt(row)) {
-        cmd.strPrintFmt = GetPrintFmt(row);
-    } else if (IsPrintTags(row)) {
-        cmd.arrPrintTags = GetPrintTags(row);
-    } else if (IsDescription(row)) {
-        cmd.strDescrip = GetDescription(row);
-    } else {
-        return false;
+        return Key::kCommand;
     }
-    return true;
+    if (IsBelongMod(row)) {
+        return Key::kBelongModule;
+    }
+    if (IsInstruction(row)) {
+        return Key::kInstruction;
+    }
+    if (IsParaFormat(row)) {
+        return Key::kParaFormat;
+    }
+    if (IsPrintFmt(row)) {
+        return Key::kPrintFormat;
+    }
+    if (IsPrintTags(row)) {
+        return Key::kPrintTags;
+    }
+    if (IsDescription(row)) {
+        return Key::kDescription;
+    }
+    return Key::kNone;
+}
+
+ZoFileParse::Key ZoFileParse::SetModKey(const std::string& row, ZoModInfo& mod)
+{
+    const Key key = ModKeyOf(row);
+    switch (key) {
+        case Key::kCommand:
+            mod.strCommand = GetCommand(row);
+            break;
+        case Key::kInstruction:
+            mod.s32Instruct = GetInstruction(row);
+            break;
+        case Key::kDescription:
+            mod.strDescrip = GetDescription(row);
+            break;
+        default:
+            break;
+    }
+    return key;
+}
+
+ZoFileParse::Key ZoFileParse::SetCmdKey(const std::string& row, ZoCmdInfo& cmd)
+{
+    const Key key = CmdKeyOf(row);
+    switch (key) {
+        case Key::kCommand:
+            cmd.strCommand = GetCommand(row);
+            break;
+        case Key::kBelongModule:
+            cmd.strBelongMod = GetBelongMod(row);
+            break;
+        case Key::kInstruction:
+            cmd.s32Instruct = GetInstruction(row);
+            break;
+        case Key::kParaFormat:
+            cmd.strParaFmt = GetParaFormat(row);
+            break;
+        case Key::kPrintFormat:
+            cmd.strPrintFmt = GetPrintFmt(row);
+            break;
+        case Key::kPrintTags:
+            cmd.arrPrintTags = GetPrintTags(row);
+            break;
+        case Key::kDescription:
+            cmd.strDescrip = GetDescription(row);
+            break;
+        case Key::kNone:
+            break;
+    }
+    return key;
 }

@@ -7,6 +7,8 @@
 // any C string; the limits still count the bytes the reader delivered.
 #include "zo_file_parse.h"
 
+#include "zo_file_parse_observer.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -209,22 +211,32 @@ int32_t ZoFileParse::GetInstruction(const std::string& row)
     if (rc != 0) {
         return rc > 0 ? 0 : -1;
     }
+    int32_t value = 0;
+    if (!ReadInstruction(buf, value)) {
+        printf("strtol:%s is not figure\n", buf);
+    }
+    return value;
+}
+
+bool ZoFileParse::ReadInstruction(const char* text, int32_t& value)
+{
     // strtoll reads the same syntax as strtol (sign, "0x", hex digits) but
     // does not depend on the width of long, which differs between the device
     // and a host; the clamp gives what a 32-bit strtol gives.
     char* end = nullptr;
-    const long long value = std::strtoll(buf, &end, 16);
-    if (end == buf) {
-        printf("strtol:%s is not figure\n", buf);
-        return 0;
+    const long long number = std::strtoll(text, &end, 16);
+    if (end == text) {
+        value = 0;
+        return false;
     }
-    if (value > INT32_MAX) {
-        return INT32_MAX;
+    if (number > INT32_MAX) {
+        value = INT32_MAX;
+    } else if (number < INT32_MIN) {
+        value = INT32_MIN;
+    } else {
+        value = static_cast<int32_t>(number);
     }
-    if (value < INT32_MIN) {
-        return INT32_MIN;
-    }
-    return static_cast<int32_t>(value);
+    return true;
 }
 
 Array<std::string> ZoFileParse::GetPrintTags(const std::string& row)
@@ -242,4 +254,31 @@ Array<std::string> ZoFileParse::GetPrintTags(const std::string& row)
     }
     tags.PushBack(std::string(piece));
     return tags;
+}
+
+// ---------------------------------------------------------------------------
+// Observing values: the same limits as GetValue, without its messages
+
+void ZoFileParse::ObserveValue(const char* fileName, int rowNumber, const std::string& row, Key key) const
+{
+    const size_t n = row.find('=');
+    if (n == std::string::npos) {
+        return;
+    }
+    const size_t tail = row.size() - n;
+    if (tail >= kRowBufSize) {
+        m_pObserver->OnValueTooLong(fileName, rowNumber, key, tail);
+        return;
+    }
+    char buf[kRowBufSize];
+    if (CopyTrimmed(row.data() + n + 1, tail - 1, buf) == kRefused) {
+        return;
+    }
+    if (std::memchr(row.data() + n + 1, '\0', tail - 1) != nullptr) {
+        m_pObserver->OnValueCut(fileName, rowNumber, key);
+    }
+    int32_t value = 0;
+    if (key == Key::kInstruction && !ReadInstruction(buf, value)) {
+        m_pObserver->OnInstructionNotFigure(fileName, rowNumber, buf);
+    }
 }

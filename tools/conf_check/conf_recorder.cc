@@ -1,0 +1,210 @@
+// Turning the reader's events into diagnostics and recorded blocks.
+#include "conf_recorder.h"
+
+#include <cstring>
+
+namespace
+{
+
+bool IsBlank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+std::string Trimmed(const std::string& text)
+{
+    size_t begin = 0;
+    size_t end = text.size();
+    while (begin < end && IsBlank(text[begin])) {
+        ++begin;
+    }
+    while (end > begin && IsBlank(text[end - 1])) {
+        --end;
+    }
+    return text.substr(begin, end - begin);
+}
+
+// An author meant a key row: the row holds "=" and is no comment ("#" or ";"
+// first). The files know no comments, but authors write them, "=" and all.
+bool MeantAsKeyRow(const std::string& text)
+{
+    const std::string row = Trimmed(text);
+    return row.find('=') != std::string::npos && row[0] != '#' && row[0] != ';';
+}
+
+// The text before the first "=", trimmed and shortened for a message.
+std::string KeyPart(const std::string& text)
+{
+    std::string key = Trimmed(text.substr(0, text.find('=')));
+    if (key.size() > 40) {
+        key = key.substr(0, 37) + "...";
+    }
+    return key;
+}
+
+// "mods.conf" out of "DIR/mods.conf".
+std::string BaseName(const std::string& path)
+{
+    const size_t slash = path.rfind('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+}  // namespace
+
+const char* KeyName(ConfKey key)
+{
+    switch (key) {
+        case ConfKey::kCommand:
+            return "command";
+        case ConfKey::kBelongModule:
+            return "belong module";
+        case ConfKey::kInstruction:
+            return "instruction";
+        case ConfKey::kParaFormat:
+            return "para format";
+        case ConfKey::kPrintFormat:
+            return "print format";
+        case ConfKey::kPrintTags:
+            return "print tags";
+        case ConfKey::kDescription:
+            return "description";
+        case ConfKey::kNone:
+            break;
+    }
+    return "";
+}
+
+ConfRecorder::ConfRecorder(const std::string& modsPath, const std::string& cmdsPath, ConfDiagnostics& diagnostics)
+    : m_modsPath(modsPath), m_cmdsPath(cmdsPath), m_diagnostics(diagnostics)
+{
+}
+
+const std::string& ConfRecorder::Follow(const char* file)
+{
+    if (m_file != file) {
+        m_file = file;
+        m_blockName.clear();
+        m_blockRow = 0;
+        m_keyRows.clear();
+        m_endRow = 0;
+        m_pendingEnd = 0;
+    }
+    return std::strcmp(file, "mods.conf") == 0 ? m_modsPath : m_cmdsPath;
+}
+
+void ConfRecorder::OnFileEmpty(const char* file)
+{
+    m_diagnostics.Error(Follow(file), 1, "the file holds no rows: the console reports a failed load");
+}
+
+void ConfRecorder::OnBlockOpened(const char* file, int row, const std::string& name)
+{
+    Follow(file);
+    m_blockName = name;
+    m_blockRow = row;
+    m_keyRows.clear();
+    m_endRow = 0;
+    m_pendingEnd = 0;
+}
+
+void ConfRecorder::OnKeyTaken(const char* file, int row, Key key)
+{
+    const std::string& path = Follow(file);
+    const auto earlier = m_keyRows.find(key);
+    if (earlier != m_keyRows.end()) {
+        m_diagnostics.Warning(path, row,
+                              std::string("\"") + KeyName(key) + "\" is given again in block '" + m_blockName +
+                                  "': this row replaces line " + std::to_string(earlier->second));
+    }
+    m_keyRows[key] = row;
+}
+
+void ConfRecorder::OnBlockEndedEarly(const char* file, int row, const std::string& text, bool keyTooLong)
+{
+    const std::string& path = Follow(file);
+    m_endRow = row;
+    const std::string block = "block '" + m_blockName + "' (line " + std::to_string(m_blockRow) + ")";
+    if (keyTooLong) {
+        m_diagnostics.Error(path, row,
+                            "the text before \"=\" is " + std::to_string(text.find('=')) +
+                                " characters long (at most 255), so the row is no key row: it ends " + block);
+    } else if (MeantAsKeyRow(text)) {
+        m_diagnostics.Error(
+            path, row,
+            "'" + KeyPart(text) + "' is no key of " + BaseName(path) + ": the row ends " + block + " and is ignored");
+    } else {
+        m_pendingEnd = row;  // a blank or comment row: harmless unless keys follow it
+        m_pendingBlank = Trimmed(text).empty();
+    }
+}
+
+void ConfRecorder::OnRowSkipped(const char* file, int row, const std::string& text, Key key)
+{
+    const std::string& path = Follow(file);
+    if (row == m_endRow) {
+        return;  // the row that ended the block, read again; reported already
+    }
+    if (key != Key::kNone) {
+        std::string where = "there is no block title above it";
+        if (m_blockRow != 0) {
+            where = "block '" + m_blockName + "' (line " + std::to_string(m_blockRow) + ") ended at line " +
+                    std::to_string(m_endRow);
+        }
+        if (m_pendingEnd != 0) {
+            m_diagnostics.Error(path, m_pendingEnd,
+                                std::string(m_pendingBlank ? "a row of blanks only" : "this row is no key row and") +
+                                    " ends block '" + m_blockName + "' (line " + std::to_string(m_blockRow) +
+                                    "): the key rows after it up to the next block title are ignored");
+            m_pendingEnd = 0;
+        }
+        m_diagnostics.Error(path, row,
+                            std::string("\"") + KeyName(key) + "\" row outside a block is ignored (" + where + ")");
+    } else if (MeantAsKeyRow(text)) {
+        m_diagnostics.Warning(
+            path, row,
+            "'" + KeyPart(text) + "' is no key of " + BaseName(path) + ", and the row is outside a block: ignored");
+    }
+}
+
+void ConfRecorder::OnLongTitleRow(const char* file, int row, const std::string& text, size_t length)
+{
+    const std::string& path = Follow(file);
+    const std::string title = Trimmed(text);
+    if (!title.empty() && title.front() == '[' && title.back() == ']') {
+        m_diagnostics.Error(
+            path, row,
+            "block title of " + std::to_string(length) + " characters is too long (at most 255): no block opens here");
+    }
+}
+
+void ConfRecorder::OnValueTooLong(const char* file, int row, Key key, size_t length)
+{
+    m_diagnostics.Error(Follow(file), row,
+                        std::string("the text after \"=\" of \"") + KeyName(key) + "\" is " +
+                            std::to_string(length - 1) + " characters long (at most 254): the console takes " +
+                            (key == Key::kInstruction ? "0" : "an empty value"));
+}
+
+void ConfRecorder::OnValueCut(const char* file, int row, Key key)
+{
+    m_diagnostics.Error(Follow(file), row,
+                        std::string("the value of \"") + KeyName(key) +
+                            "\" holds a NUL byte: the console takes only the text before it");
+}
+
+void ConfRecorder::OnInstructionNotFigure(const char* file, int row, const std::string& value)
+{
+    m_diagnostics.Error(Follow(file), row, "instruction '" + value + "' is no hexadecimal number: the console takes 0");
+}
+
+void ConfRecorder::OnModule(const char* file, int row, const ZoFileParse::ZoModInfo& mod, Entry entry)
+{
+    Follow(file);
+    m_modules.push_back(RecordedModule{row, m_keyRows, mod, entry});
+}
+
+void ConfRecorder::OnCommand(const char* file, int row, const ZoFileParse::ZoCmdInfo& cmd, Entry entry)
+{
+    Follow(file);
+    m_commands.push_back(RecordedCommand{row, m_keyRows, cmd, entry});
+}
