@@ -60,6 +60,7 @@ bool WaitFor(Cond cond, milliseconds timeout = milliseconds(3000))
 // standard output on a pipe and its standard error in the file sim.err.
 class Sim {
 public:
+    Sim() = default;
     Sim(const std::string& mods, const std::string& cmds)
     {
         dir.Write("mods.conf", mods);
@@ -74,7 +75,7 @@ public:
         Spawn(options);
         struct stat st {};
         const std::string path = dir.File(".tv");
-        const int fd = WaitFor([&] { return stat(path.c_str(), &st) == 0 && st.st_size >= 4096; })
+        const int fd = WaitFor([&] { return stat(path.c_str(), &st) == 0 && st.st_size >= 4096; }, milliseconds(10000))
                            ? open(path.c_str(), O_RDWR)
                            : -1;
         void* base = fd < 0 ? MAP_FAILED : mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
