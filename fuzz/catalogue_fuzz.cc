@@ -101,8 +101,14 @@ void CheckCommands(const ZoFileParse& parse, int32_t code)
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
     QuietStdout();
-    char dir[] = "/dev/shm/catalogue_fuzz.XXXXXX";
-    FUZZ_CHECK(mkdtemp(dir) != nullptr);
+    // A memory file system when there is one: the files are rewritten for every input.
+    char shm[] = "/dev/shm/catalogue_fuzz.XXXXXX";
+    char tmp[] = "/tmp/catalogue_fuzz.XXXXXX";
+    const char* dir = mkdtemp(shm);
+    if (dir == nullptr) {
+        dir = mkdtemp(tmp);
+    }
+    FUZZ_CHECK(dir != nullptr);
     g_dir = dir;
     std::atexit(RemoveFiles);
     return 0;
