@@ -3,35 +3,19 @@
 #ifndef ZO_TESTS_CATALOGUE_CATALOGUE_LOADER_H
 #define ZO_TESTS_CATALOGUE_CATALOGUE_LOADER_H
 
-#include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-#include <unistd.h>
-
+#include "stdout_capture.h"
 #include "temp_dir.h"
 #include "zo_file_parse.h"
 
-// Runs Init on dir with standard output sent to a file.
+// Runs Init on dir; what it printed.
 inline std::string InitCaptured(ZoFileParse& parse, const std::string& dir)
 {
-    TempDir scratch;
-    fflush(stdout);
-    const int saved = dup(STDOUT_FILENO);
-    const int fd = open(scratch.File("out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    dup2(fd, STDOUT_FILENO);
-    close(fd);
+    StdoutCapture out;
     parse.Init(dir);
-    fflush(stdout);
-    dup2(saved, STDOUT_FILENO);
-    close(saved);
-    std::ifstream in(scratch.File("out"), std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return out.Text();
 }
 
 // Writes both files, exactly these bytes, and loads them.

@@ -14,9 +14,8 @@ struct Encoded {
     std::string printed;
 };
 
-// Encodes "cmd ARGS" for a command of instruction 0x12 with the given
-// parameter format, with the argument text as the dispatcher hands it over
-// (one blank appended).
+// Encodes "cmd ARGS" for a command of instruction 0x12, the arguments as the
+// dispatcher hands them over (one blank appended).
 Encoded Encode(const std::string& paraFmt, const std::string& args, const std::string& descrip = "show one channel")
 {
     ConsoleFixture fixture({{"cmd", "0x12", paraFmt, "", "", descrip}});
@@ -35,97 +34,64 @@ const char* const kNoS = "current is no support 'S' format\n";
 
 }  // namespace
 
-TEST(ParseCmd, WritesInstructionThenOneValuePerLetter)
+TEST(ParseCmd, EncodesInstructionThenOneValuePerLetter)
 {
-    const Encoded e = Encode("dDfFs", "5 -9000000000 1.5 2.25 hello");
-    EXPECT_EQ(0, e.result);
-    EXPECT_EQ("12000000 05000000 00e68ee7 fdffffff 0000c03f 00000000 00000240 05000000 68006500 6c006c00 6f000000",
-              e.request);
-    EXPECT_EQ("", e.printed);
-
-    // A string whose units need padding, and the empty format that takes no arguments.
-    EXPECT_EQ("12000000 02000000 68006900 00000000", Encode("s", "hi").request);
-    const Encoded none = Encode("", "1 2 3");
-    EXPECT_EQ(0, none.result);
-    EXPECT_EQ("12000000", none.request);
-}
-
-TEST(ParseCmd, IntegerWordRules)
-{
-    // Hex after 0x/0X, decimal otherwise, junk after the number dropped,
-    // no number gives 0, overflow clamps, a leading zero is not octal.
-    EXPECT_EQ("12000000 01000000 1f000000", Encode("dd", "1 0x1F").request);
-    EXPECT_EQ("12000000 ff000000", Encode("d", "0XfF").request);
-    EXPECT_EQ("12000000 fbffffff", Encode("d", "-5").request);
-    EXPECT_EQ("12000000 0c000000", Encode("d", "12abc").request);
-    EXPECT_EQ("12000000 ffffff7f", Encode("d", "0xFFFFFFFF").request);
-    EXPECT_EQ("12000000 ffffff7f", Encode("d", "4294967295").request);
-    EXPECT_EQ("12000000 00000080", Encode("d", "-4294967295").request);
-    EXPECT_EQ("12000000 00000000", Encode("d", "-0x5").request);
-    EXPECT_EQ("12000000 0a000000 07000000", Encode("dd", "010 7").request);
-    const Encoded junk = Encode("d", "abc");
-    EXPECT_EQ(0, junk.result);
-    EXPECT_EQ("12000000 00000000", junk.request);
-    EXPECT_EQ("", junk.printed);
-}
-
-TEST(ParseCmd, WideIntegerTakesDigitsOnly)
-{
-    EXPECT_EQ("12000000 00e68ee7 fdffffff", Encode("D", "-9000000000").request);
-    // The digits stop at the 'x'; the rest of the word is the next argument.
-    const Encoded split = Encode("Ds", "0x10");
-    EXPECT_EQ(0, split.result);
-    EXPECT_EQ("12000000 00000000 00000000 03000000 78003100 30000000", split.request);
-    for (const char* bad : {"abc", "99999999999999999999"}) {
-        const Encoded e = Encode("D", bad);
-        EXPECT_EQ(-1, e.result) << bad;
-        EXPECT_EQ(kHelp, e.printed) << bad;
-        EXPECT_EQ("12000000", e.request) << bad;
+    const struct {
+        const char* paraFmt;
+        const char* args;
+        int result;
+        const char* request;
+        const char* printed;
+    } cases[] = {
+        {"dDfFs", "5 -9000000000 1.5 2.25 hello", 0,
+         "12000000 05000000 00e68ee7 fdffffff 0000c03f 00000000 00000240 05000000 68006500 6c006c00 6f000000", ""},
+        {"s", "hi", 0, "12000000 02000000 68006900 00000000", ""},  // units padded to a word
+        {"", "1 2 3", 0, "12000000", ""},
+        // Integers: hex after 0x/0X, decimal otherwise, junk after the number
+        // dropped, no number gives 0, overflow clamps, a leading zero is not octal.
+        {"dd", "1 0x1F", 0, "12000000 01000000 1f000000", ""},
+        {"d", "0XfF", 0, "12000000 ff000000", ""},
+        {"d", "-5", 0, "12000000 fbffffff", ""},
+        {"d", "12abc", 0, "12000000 0c000000", ""},
+        {"d", "0xFFFFFFFF", 0, "12000000 ffffff7f", ""},
+        {"d", "4294967295", 0, "12000000 ffffff7f", ""},
+        {"d", "-4294967295", 0, "12000000 00000080", ""},
+        {"d", "-0x5", 0, "12000000 00000000", ""},
+        {"dd", "010 7", 0, "12000000 0a000000 07000000", ""},
+        {"d", "abc", 0, "12000000 00000000", ""},
+        {"d", "", -1, "12000000", kHelp},
+        // Wide integers take digits only; the rest of the word is the next argument.
+        {"D", "-9000000000", 0, "12000000 00e68ee7 fdffffff", ""},
+        {"Ds", "0x10", 0, "12000000 00000000 00000000 03000000 78003100 30000000", ""},
+        {"D", "abc", -1, "12000000", kHelp},
+        {"D", "99999999999999999999", -1, "12000000", kHelp},
+        // Floating point needs a number in range.
+        {"f", "-1e3", 0, "12000000 00007ac4", ""},
+        {"f", "", -1, "12000000", kHelp},
+        {"f", "abc", -1, "12000000", kHelp},
+        {"f", "1e50", -1, "12000000", kHelp},
+        {"F", "x", -1, "12000000", kHelp},
+        // A string takes one word; it is already written when a missing integer ends the walk.
+        {"s", "hello world", 0, "12000000 05000000 68006500 6c006c00 6f000000", ""},
+        {"sd", "name", -1, "12000000 04000000 6e006100 6d006500 00000000", kHelp},
+        // 'S' reads nothing: the argument goes to the letter after it.
+        {"dS", "5", 0, "12000000 05000000", kNoS},
+        {"Sd", "7", 0, "12000000 07000000", kNoS},
+        // An invalid letter stops the walk.
+        {"d d", "1 2", -1, "12000000 01000000", "para format err.\n"},
+        {"x", "1", -1, "12000000", "para format err.\n"},
+    };
+    for (const auto& c : cases) {
+        const Encoded e = Encode(c.paraFmt, c.args);
+        EXPECT_EQ(c.result, e.result) << c.paraFmt << " " << c.args;
+        EXPECT_EQ(c.request, e.request) << c.paraFmt << " " << c.args;
+        EXPECT_EQ(c.printed, e.printed) << c.paraFmt << " " << c.args;
     }
-}
-
-TEST(ParseCmd, FloatingPointNeedsANumberInRange)
-{
-    EXPECT_EQ("12000000 0000c03f 00000000 00000240", Encode("fF", "1.5 2.25").request);
-    EXPECT_EQ("12000000 00007ac4", Encode("f", "-1e3").request);
-    for (const char* bad : {"", "abc", "1e50"}) {
-        const Encoded e = Encode("f", bad);
-        EXPECT_EQ(-1, e.result) << bad;
-        EXPECT_EQ(kHelp, e.printed) << bad;
-    }
-    EXPECT_EQ(kHelp, Encode("F", "x").printed);
-}
-
-TEST(ParseCmd, StringTakesOneWord)
-{
-    const Encoded surplus = Encode("s", "hello world");
-    EXPECT_EQ(0, surplus.result);
-    EXPECT_EQ("12000000 05000000 68006500 6c006c00 6f000000", surplus.request);
-
-    // The string is already written when the missing integer ends the walk.
-    const Encoded missing = Encode("sd", "name");
-    EXPECT_EQ(-1, missing.result);
-    EXPECT_EQ("12000000 04000000 6e006100 6d006500 00000000", missing.request);
-    EXPECT_EQ(kHelp, missing.printed);
-}
-
-TEST(ParseCmd, MissingArgumentPrintsTheHelpText)
-{
-    const Encoded e = Encode("d", "");
-    EXPECT_EQ(-1, e.result);
-    EXPECT_EQ(kHelp, e.printed);
     EXPECT_EQ("parse para err. cmd help info: \n\t\n", Encode("dd", "1", "").printed);
 }
 
-TEST(ParseCmd, CapitalSIsPassedOver)
+TEST(ParseCmd, StringCmdPassesOverCapitalS)
 {
-    const Encoded e = Encode("dS", "5");
-    EXPECT_EQ(0, e.result);
-    EXPECT_EQ("12000000 05000000", e.request);
-    EXPECT_EQ(kNoS, e.printed);
-    // Nothing is read for it: the argument goes to the letter after it.
-    EXPECT_EQ("12000000 07000000", Encode("Sd", "7").request);
-
     ConsoleFixture fixture({});
     android::Parcel request;
     std::istringstream stream("word ");
@@ -136,18 +102,6 @@ TEST(ParseCmd, CapitalSIsPassedOver)
     EXPECT_EQ(0, result);
     EXPECT_TRUE(ok);
     EXPECT_EQ(0u, request.dataSize());
-}
-
-TEST(ParseCmd, InvalidFormatLetterStops)
-{
-    const Encoded blank = Encode("d d", "1 2");
-    EXPECT_EQ(-1, blank.result);
-    EXPECT_EQ("12000000 01000000", blank.request);
-    EXPECT_EQ("para format err.\n", blank.printed);
-    const Encoded letter = Encode("x", "1");
-    EXPECT_EQ(-1, letter.result);
-    EXPECT_EQ("12000000", letter.request);
-    EXPECT_EQ("para format err.\n", letter.printed);
 }
 
 TEST(ParseCmd, NeedsALoadedCatalogue)

@@ -1,12 +1,7 @@
 #include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstring>
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -17,90 +12,69 @@
 #include "stdout_capture.h"
 #include "zo_shm_page.h"
 
-extern char** environ;
-
 namespace {
 
 const std::string kSep = "===========================\n";
 
-// The test's own swap file, 4096 bytes, mapped as Exec maps it.
-class SharedPage {
+// A console with "info" of module Channel (one int32 argument; the reply is a
+// number and a name) and the test's own 4096-byte swap file, mapped as Exec maps it.
+class Exchange {
 public:
-    explicit SharedPage(const TempDir& dir) : m_path(dir.File(".tv"))
+    Exchange() : m_fixture({{"info", "0x12", "d", "ds", "number,name", "show one channel"}})
     {
-        dir.Write(".tv", std::string(SHM_SIZE, '\0'));
-        const int fd = open(m_path.c_str(), O_RDWR);
+        const std::string path = m_fixture.Dir().Write(".tv", std::string(SHM_SIZE, '\0'));
+        const int fd = open(path.c_str(), O_RDWR);
         m_page = mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
         close(fd);
-        g_strSwapFile = m_path;
+        g_strSwapFile = path;
         g_pShareMem = m_page;
     }
-    ~SharedPage()
+    ~Exchange()
     {
         g_pShareMem = MAP_FAILED;
-        if (m_page != MAP_FAILED) {
-            munmap(m_page, SHM_SIZE);
+        munmap(m_page, SHM_SIZE);
+        if (m_responder > 0) {
+            kill(m_responder, SIGKILL);
+            waitpid(m_responder, nullptr, 0);
         }
     }
-    SharedPage(const SharedPage&) = delete;
-    SharedPage& operator=(const SharedPage&) = delete;
 
-    bool Mapped() const { return m_page != MAP_FAILED; }
-    const std::string& Path() const { return m_path; }
+    // page_responder in a second process on the same file. Without it the
+    // console would wait for ever, so tests check that it started.
+    bool Respond(std::vector<std::string> exchanges)
+    {
+        exchanges.insert(exchanges.begin(), {ZO_PAGE_RESPONDER, g_strSwapFile});
+        m_responder = SpawnChild(exchanges);
+        return m_page != MAP_FAILED && m_responder > 0;
+    }
+    // The responder's exit status, -1 when it does not end in time.
+    int ResponderStatus()
+    {
+        const int status = WaitChild(m_responder);
+        m_responder = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    // CopyCmdToBuf's result and printed text for the request, by default "info 5".
+    std::pair<int, std::string> Send(android::Parcel* request = nullptr)
+    {
+        android::Parcel info5;
+        std::istringstream args(" 5 ");
+        if (request == nullptr && m_fixture.Console().ParseCmd("info", info5, args) != 0) {
+            return {-100, "cannot encode"};
+        }
+        StdoutCapture out;
+        const int result = m_fixture.Console().CopyCmdToBuf("info", request != nullptr ? *request : info5);
+        return {result, out.Text()};
+    }
+
     ShmHeader* Header() { return ShmHeaderOf(m_page); }
     uint8_t* Payload() { return ShmPayloadOf(m_page); }
 
 private:
-    std::string m_path;
+    ConsoleFixture m_fixture;
     void* m_page;
-};
-
-// The service side: page_responder in a second process on the same file.
-class Responder {
-public:
-    Responder(const SharedPage& page, std::vector<std::string> args)
-    {
-        args.insert(args.begin(), {ZO_PAGE_RESPONDER, page.Path()});
-        std::vector<std::string> command = ChildCommand(args);
-        std::vector<char*> argv;
-        for (std::string& word : command) {
-            argv.push_back(&word[0]);
-        }
-        argv.push_back(nullptr);
-        if (posix_spawnp(&m_pid, argv[0], nullptr, nullptr, argv.data(), environ) != 0) {
-            m_pid = -1;
-        }
-    }
-    ~Responder()
-    {
-        if (m_pid > 0) {
-            kill(m_pid, SIGKILL);
-            waitpid(m_pid, nullptr, 0);
-        }
-    }
-    Responder(const Responder&) = delete;
-    Responder& operator=(const Responder&) = delete;
-
-    // Without a responder the console would wait for ever: tests check this first.
-    bool Started() const { return m_pid > 0; }
-
-    // The responder's exit status, or -1 when it does not end within 10 s.
-    int Wait()
-    {
-        for (int i = 0; i < 1000 && m_pid > 0; ++i) {
-            int status = 0;
-            if (waitpid(m_pid, &status, WNOHANG) == m_pid) {
-                m_pid = -1;
-                return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-            }
-            const struct timespec step = {0, 10000000};
-            nanosleep(&step, nullptr);
-        }
-        return -1;
-    }
-
-private:
-    pid_t m_pid = -1;
+    pid_t m_responder = -1;
 };
 
 // Hex of int32 words as they lie in a parcel, without blanks.
@@ -115,188 +89,81 @@ std::string Words(std::initializer_list<uint32_t> words)
     return hex;
 }
 
-// "info" of module Channel: one int32 argument, reply of a number and a name.
-const TestCmd kInfo = {"info", "0x12", "d", "ds", "number,name", "show one channel"};
-
-// Encodes "info 5" as the dispatcher would.
-void EncodeInfo5(ZoCmdDebug& console, android::Parcel& request)
-{
-    std::istringstream args(" 5 ");
-    ASSERT_EQ(0, console.ParseCmd("info", request, args));
-}
-
-// What CopyCmdToBuf returned and printed.
-struct Outcome {
-    int result;
-    std::string printed;
-};
-
-Outcome Send(ZoCmdDebug& console, android::Parcel& request)
-{
-    StdoutCapture out;
-    const int result = console.CopyCmdToBuf("info", request);
-    return {result, out.Text()};
-}
-
 }  // namespace
 
-TEST(CopyCmdToBuf, SendsTheRequestAndPrintsTheReply)
+TEST(CopyCmdToBuf, EachRequestGetsItsOwnReplyPrintedOrRefused)
 {
-    ConsoleFixture fixture({kInfo});
-    SharedPage page(fixture.Dir());
-    ASSERT_TRUE(page.Mapped());
-    // status 0, number 5, name "abc"
-    Responder service(page, {Words({0x12, 5}) + "/" + Words({0, 5, 3, 0x00620061, 0x00000063})});
-    ASSERT_TRUE(service.Started());
-
-    android::Parcel request;
-    EncodeInfo5(fixture.Console(), request);
-    const Outcome sent = Send(fixture.Console(), request);
-    EXPECT_EQ(0, sent.result);
-    EXPECT_EQ(kSep + "number:5\tname:abc\t\n" + kSep, sent.printed);
-    EXPECT_EQ(0, service.Wait());
-    // The console leaves the page as the service left it.
-    EXPECT_EQ(SHM_FLAG_REQUEST | SHM_FLAG_REPLY, page.Header()->u32Flag);
-}
-
-TEST(CopyCmdToBuf, FailedStatusIsShownInHex)
-{
-    ConsoleFixture fixture({kInfo});
-    SharedPage page(fixture.Dir());
-    Responder service(page, {"*/" + Words({0xffffffff, 5})});
-    ASSERT_TRUE(service.Started());
-
-    android::Parcel request;
-    EncodeInfo5(fixture.Console(), request);
-    const Outcome sent = Send(fixture.Console(), request);
-    EXPECT_EQ(-1, sent.result);
-    EXPECT_EQ("request failure! ret:0xffffffff\n", sent.printed);
-    EXPECT_EQ(0, service.Wait());
-}
-
-TEST(CopyCmdToBuf, ReplySizeBeyondThePageIsAFailedExchange)
-{
-    ConsoleFixture fixture({kInfo});
-    SharedPage page(fixture.Dir());
+    Exchange exchange;
+    // A completed exchange whose reply was a failure is still on the page: each
+    // request must clear the reply bit (the responder checks the flag word is
+    // exactly bit 0) or the console would read a stale reply.
+    memcpy(exchange.Payload(), "\xff\xff\xff\xff", 4);
+    exchange.Header()->u32Size = 4;
+    exchange.Header()->u32Flag = SHM_FLAG_REQUEST | SHM_FLAG_REPLY;
+    const std::string info5 = Words({0x12, 5});
     const std::string ok = Words({0, 5});
-    Responder service(page, {"*/" + ok + "/4089", "*/" + ok + "/0xffffffff"});
-    ASSERT_TRUE(service.Started());
-
-    for (int i = 0; i < 2; ++i) {
-        android::Parcel request;
-        EncodeInfo5(fixture.Console(), request);
-        const Outcome sent = Send(fixture.Console(), request);
-        EXPECT_EQ(-1, sent.result);
-        EXPECT_EQ("", sent.printed);
-    }
-    EXPECT_EQ(0, service.Wait());
-}
-
-TEST(CopyCmdToBuf, HostileRepliesPrintWhatCanBeRead)
-{
-    ConsoleFixture fixture({kInfo});
-    SharedPage page(fixture.Dir());
-    Responder service(page, {
-                                // shorter than the print format: the name reads as empty
-                                "*/" + Words({0, 7}),
-                                // a negative string count
-                                "*/" + Words({0, 7, 0xffffffff}),
-                                // a string count far beyond the reply
-                                "*/" + Words({0, 7, 0x7ffffff0, 0x00410041}),
-                                // garbage after the status, with a tail too short for a value
-                                "*/" + Words({0, 0xdeadbeef, 0xfffffffe}) + "a5a5",
-                            });
-    ASSERT_TRUE(service.Started());
-    const std::string expected[] = {
-        kSep + "number:7\tname:\t\n" + kSep,
-        kSep + "number:7\tname:\t\n" + kSep,
-        kSep + "number:7\tname:\t\nnumber:4259905\tname:\t\n" + kSep,
-        kSep + "number:-559038737\tname:\t\n" + kSep,
+    const struct {
+        std::string reply;  // REPLY_HEX[/SIZE]
+        int result;
+        std::string printed;
+    } cases[] = {
+        {Words({0, 5, 3, 0x00620061, 0x63}), 0, kSep + "number:5\tname:abc\t\n" + kSep},
+        {Words({0xffffffff, 5}), -1, "request failure! ret:0xffffffff\n"},
+        {ok + "/4089", -1, ""},  // a reply size beyond the page
+        {ok + "/0xffffffff", -1, ""},
+        // Hostile replies print what can be read: too short for the print format,
+        {Words({0, 7}), 0, kSep + "number:7\tname:\t\n" + kSep},
+        // a negative string count, a count far beyond the reply,
+        {Words({0, 7, 0xffffffff}), 0, kSep + "number:7\tname:\t\n" + kSep},
+        {Words({0, 7, 0x7ffffff0, 0x00410041}), 0, kSep + "number:7\tname:\t\nnumber:4259905\tname:\t\n" + kSep},
+        // garbage with a tail too short for a value.
+        {Words({0, 0xdeadbeef, 0xfffffffe}) + "a5a5", 0, kSep + "number:-559038737\tname:\t\n" + kSep},
     };
-    for (const std::string& text : expected) {
-        android::Parcel request;
-        EncodeInfo5(fixture.Console(), request);
-        const Outcome sent = Send(fixture.Console(), request);
-        EXPECT_EQ(0, sent.result);
-        EXPECT_EQ(text, sent.printed);
+    std::vector<std::string> exchanges;
+    for (const auto& c : cases) {
+        exchanges.push_back(info5 + "/" + c.reply);
     }
-    EXPECT_EQ(0, service.Wait());
+    ASSERT_TRUE(exchange.Respond(exchanges));
+    for (const auto& c : cases) {
+        EXPECT_EQ(std::make_pair(c.result, c.printed), exchange.Send()) << c.reply;
+    }
+    EXPECT_EQ(0, exchange.ResponderStatus());
+    // The console leaves the page as the service left it.
+    EXPECT_EQ(SHM_FLAG_REQUEST | SHM_FLAG_REPLY, exchange.Header()->u32Flag);
 }
 
-TEST(CopyCmdToBuf, RequestMustFitThePayload)
+TEST(CopyCmdToBuf, RequestOf4088BytesIsSentAnd4089Refused)
 {
-    ConsoleFixture fixture({kInfo});
-    SharedPage page(fixture.Dir());
-
-    // 4088 bytes: the whole payload.
+    Exchange exchange;
     android::Parcel full;
     std::string fullHex;
     for (uint32_t i = 0; i < SHM_DATA_SIZE / 4; ++i) {
         full.writeInt32(static_cast<int32_t>(i));
         fullHex += Words({i});
     }
-    ASSERT_EQ(SHM_DATA_SIZE, full.dataSize());
-    Responder service(page, {fullHex + "/" + Words({0})});
-    ASSERT_TRUE(service.Started());
-    {
-        const Outcome sent = Send(fixture.Console(), full);
-        EXPECT_EQ(0, sent.result);
-        EXPECT_EQ(kSep + kSep, sent.printed);
-    }
-    EXPECT_EQ(0, service.Wait());
+    ASSERT_EQ(4088u, full.dataSize());
+    ASSERT_TRUE(exchange.Respond({fullHex + "/" + Words({0})}));
+    EXPECT_EQ(std::make_pair(0, kSep + kSep), exchange.Send(&full));
+    EXPECT_EQ(0, exchange.ResponderStatus());
 
-    // 4089 bytes: refused before the header is written; the page keeps the last reply.
+    // Refused before the header is written; the page keeps the last reply.
     const std::vector<uint8_t> tooLong(SHM_DATA_SIZE + 1, 0x5a);
     android::Parcel oversized;
     oversized.setData(tooLong.data(), tooLong.size());
-    const Outcome sent = Send(fixture.Console(), oversized);
-    EXPECT_EQ(-1, sent.result);
-    EXPECT_EQ("", sent.printed);
-    EXPECT_EQ(SHM_FLAG_REQUEST | SHM_FLAG_REPLY, page.Header()->u32Flag);
-    EXPECT_EQ(4u, page.Header()->u32Size);
-    EXPECT_EQ(0u, page.Payload()[0]);  // the reply's status
-    EXPECT_EQ(1u, page.Payload()[4]);  // the 4088-byte request's second word
-}
-
-TEST(CopyCmdToBuf, NextRequestClearsTheLastReplyFlag)
-{
-    ConsoleFixture fixture({kInfo});
-    SharedPage page(fixture.Dir());
-    // A completed exchange whose reply was a failure is still on the page.
-    memcpy(page.Payload(), "\xff\xff\xff\xff", 4);
-    page.Header()->u32Size = 4;
-    page.Header()->u32Flag = SHM_FLAG_REQUEST | SHM_FLAG_REPLY;
-    // The service answers late, so the console looks at the page several times
-    // first; the responder also checks that the flag word is exactly bit 0.
-    Responder service(page, {"--delay-ms", "300", Words({0x12, 5}) + "/" + Words({0, 1, 1, 0x61}),
-                             Words({0x12, 5}) + "/" + Words({0, 2, 1, 0x62})});
-    ASSERT_TRUE(service.Started());
-
-    for (const char* row : {"number:1\tname:a\t\n", "number:2\tname:b\t\n"}) {
-        android::Parcel request;
-        EncodeInfo5(fixture.Console(), request);
-        const Outcome sent = Send(fixture.Console(), request);
-        EXPECT_EQ(0, sent.result);
-        EXPECT_EQ(kSep + row + kSep, sent.printed);
-    }
-    EXPECT_EQ(0, service.Wait());
+    EXPECT_EQ(std::make_pair(-1, std::string()), exchange.Send(&oversized));
+    EXPECT_EQ(SHM_FLAG_REQUEST | SHM_FLAG_REPLY, exchange.Header()->u32Flag);
+    EXPECT_EQ(4u, exchange.Header()->u32Size);
+    EXPECT_EQ(0u, exchange.Payload()[0]);  // the reply's status
+    EXPECT_EQ(1u, exchange.Payload()[4]);  // the 4088-byte request's second word
 }
 
 TEST(CopyCmdToBuf, NothingToSend)
 {
-    ConsoleFixture fixture({kInfo});
+    Exchange exchange;
     android::Parcel empty;
-    {
-        // The page is not mapped: no request can go out.
-        android::Parcel request;
-        EncodeInfo5(fixture.Console(), request);
-        const Outcome sent = Send(fixture.Console(), request);
-        EXPECT_EQ(-1, sent.result);
-        EXPECT_EQ("", sent.printed);
-    }
-    SharedPage page(fixture.Dir());
-    const Outcome sent = Send(fixture.Console(), empty);
-    EXPECT_EQ(-1, sent.result);
-    EXPECT_EQ("requestData is the null\n", sent.printed);
-    EXPECT_EQ(0u, page.Header()->u32Flag);
+    EXPECT_EQ(std::make_pair(-1, std::string("requestData is the null\n")), exchange.Send(&empty));
+    EXPECT_EQ(0u, exchange.Header()->u32Flag);
+    // Without the mapped page no request can go out.
+    g_pShareMem = MAP_FAILED;
+    EXPECT_EQ(std::make_pair(-1, std::string()), exchange.Send());
 }

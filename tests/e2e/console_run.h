@@ -93,35 +93,28 @@ public:
     explicit ConsoleRun(bool withCatalogue = true)
     {
         if (withCatalogue) {
-            m_dir.Write("mods.conf", kModsConf);
-            m_dir.Write("cmds.conf", CmdsConf());
+            Dir().Write("mods.conf", kModsConf);
+            Dir().Write("cmds.conf", CmdsConf());
         }
     }
 
-    const TempDir& Dir() const { return m_dir; }
-    std::string PagePath() const { return m_dir.File(".tv"); }
+    // The simulator's directory is the console's.
+    const TempDir& Dir() const { return m_sim.dir; }
+    std::string PagePath() const { return Dir().File(".tv"); }
 
     // The page without a service, for runs whose lines never reach one.
-    void WritePage() const { m_dir.Write(".tv", std::string(4096, '\0')); }
+    void WritePage() const { Dir().Write(".tv", std::string(4096, '\0')); }
 
     // Starts zo_service_sim on the directory and waits until it has grown the page to full size.
-    bool StartSim(const std::vector<std::string>& options = {})
-    {
-        std::vector<std::string> args{m_dir.Path()};
-        args.insert(args.end(), options.begin(), options.end());
-        m_sim.reset(new SimProcess(args, m_dir.File("sim.err")));
-        struct stat st {};
-        return WaitFor([&] { return stat(PagePath().c_str(), &st) == 0 && st.st_size >= 4096; },
-                       std::chrono::milliseconds(10000));
-    }
+    bool StartSim(const std::vector<std::string>& options = {}) { return m_sim.Start(options); }
     // The simulator's next request line ("<timeout>" when none comes).
-    std::string SimLine() { return m_sim->ReadLine(std::chrono::milliseconds(5000)); }
+    std::string SimLine() { return m_sim.ReadLine(std::chrono::milliseconds(5000)); }
 
     // Starts the console with args (the directory by default) and waits for
     // its first prompt; what came before it, carriage returns taken out, goes to *banner.
     bool StartConsole(const PtySession::Options& options = PtySession::Options(), std::string* banner = nullptr)
     {
-        return StartProgram({m_dir.Path()}, options) && WaitPrompt(banner);
+        return StartProgram({Dir().Path()}, options) && WaitPrompt(banner);
     }
     bool StartProgram(const std::vector<std::string>& args, const PtySession::Options& options = PtySession::Options())
     {
@@ -177,8 +170,7 @@ private:
         return true;
     }
 
-    TempDir m_dir;
-    std::unique_ptr<SimProcess> m_sim;
+    Sim m_sim;
     PtySession m_pty;  // after m_sim: the console ends before its service
 };
 

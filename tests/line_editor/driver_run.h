@@ -1,18 +1,14 @@
-// Helpers shared by the line editor's tests: running the driver program on a
-// file or a pipe instead of a terminal, and the screen bytes the editor writes.
+// Running the line editor's driver on a terminal, a file or a pipe, and the
+// screen bytes the editor writes.
 #ifndef ZO_TESTS_LINE_EDITOR_DRIVER_RUN_H
 #define ZO_TESTS_LINE_EDITOR_DRIVER_RUN_H
 
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <chrono>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "child_program.h"
@@ -29,8 +25,7 @@ inline std::string Erased(size_t n)
     return out;
 }
 
-// What a terminal shows after Enter on line: the editor's "\n\r" and the
-// driver's framed line, each "\n" turned into "\r\n", then the next prompt.
+// A terminal after Enter on line: the editor's "\n\r", the framed line and the next prompt.
 inline std::string EnteredOnTerminal(const std::string& line)
 {
     return "\r\n\r<<" + line + ">>\r\nTV $";
@@ -38,57 +33,42 @@ inline std::string EnteredOnTerminal(const std::string& line)
 
 // Starts the driver on a fresh terminal and waits for its first prompt.
 inline bool StartDriver(PtySession& pty, const std::vector<std::string>& args,
-                        const PtySession::Options& options = PtySession::Options(),
-                        const char* program = LINE_EDITOR_DRIVER)
+                        const PtySession::Options& options = PtySession::Options())
 {
-    return pty.Start(program, args, options) && pty.WaitFor("TV $");
+    return pty.Start(LINE_EDITOR_DRIVER, args, options) && pty.WaitFor("TV $");
+}
+
+// Types keys and returns the screen up to and including the next until.
+inline std::string Type(PtySession& pty, const std::string& keys, const std::string& until = "TV $")
+{
+    std::string screen;
+    return pty.Write(keys) && pty.WaitFor(until, &screen) ? screen : "<timed out> " + pty.Screen();
 }
 
 struct DriverRun {
-    bool finished = false;  // ended on its own within the time-out
-    int status = -1;        // waitpid() status
-    std::string output;     // standard output and error, byte for byte
+    int status = -1;     // waitpid() status, -1 when it did not end in time
+    std::string output;  // standard output and error, byte for byte
 };
 
-// Runs the driver with standard input taken from stdinPath, or from a pipe
-// fed with pipeInput when stdinPath is empty; standard output goes to a file.
+// Runs the driver with standard input from stdinPath, or from a pipe fed with
+// pipeInput when stdinPath is empty.
 inline DriverRun RunDriverOn(const std::string& stdinPath, const std::string& pipeInput,
-                             const std::vector<std::string>& args, int timeoutMs = 20000)
+                             const std::vector<std::string>& args)
 {
     TempDir dir;
-    const std::string outPath = dir.File("screen");
-    std::vector<std::string> words = {LINE_EDITOR_DRIVER};
-    words.insert(words.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (std::string& word : words) {
-        argv.push_back(&word[0]);
-    }
-    argv.push_back(nullptr);
-
+    std::vector<std::string> argv = {LINE_EDITOR_DRIVER};
+    argv.insert(argv.end(), args.begin(), args.end());
     int fds[2] = {-1, -1};
-    if (stdinPath.empty() && pipe(fds) != 0) {
+    if (stdinPath.empty() ? pipe2(fds, O_CLOEXEC) != 0 : (fds[0] = open(stdinPath.c_str(), O_RDONLY | O_CLOEXEC)) < 0) {
         return DriverRun();
     }
-    const pid_t pid = fork();
-    if (pid == 0) {
-        const int in = stdinPath.empty() ? fds[0] : open(stdinPath.c_str(), O_RDONLY);
-        const int out = open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        if (in < 0 || out < 0 || dup2(in, 0) < 0 || dup2(out, 1) < 0 || dup2(out, 2) < 0) {
-            _exit(126);
-        }
-        if (stdinPath.empty()) {
-            close(fds[1]);
-        }
-        ExecChild(std::vector<std::string>(argv.begin(), argv.end() - 1));
-        _exit(127);
-    }
-    DriverRun run;
-    if (stdinPath.empty()) {
-        close(fds[0]);
+    const int out = open(dir.File("screen").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    const pid_t pid = SpawnChild(argv, fds[0], out, out);
+    close(fds[0]);
+    close(out);
+    if (fds[1] >= 0) {
         signal(SIGPIPE, SIG_IGN);  // a driver that died early must fail the test, not kill it
-        // The driver writes only to its file, so it always drains the pipe.
-        size_t sent = 0;
-        while (pid > 0 && sent < pipeInput.size()) {
+        for (size_t sent = 0; sent < pipeInput.size();) {
             const ssize_t n = write(fds[1], pipeInput.data() + sent, pipeInput.size() - sent);
             if (n <= 0) {
                 break;
@@ -97,20 +77,9 @@ inline DriverRun RunDriverOn(const std::string& stdinPath, const std::string& pi
         }
         close(fds[1]);
     }
-    if (pid < 0) {
-        return run;
-    }
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-    while (waitpid(pid, &run.status, WNOHANG) == 0) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            kill(pid, SIGKILL);
-            waitpid(pid, &run.status, 0);
-            return run;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    run.finished = true;
-    std::ifstream screen(outPath, std::ios::binary);
+    DriverRun run;
+    run.status = WaitChild(pid, 20000);
+    std::ifstream screen(dir.File("screen"), std::ios::binary);
     std::ostringstream bytes;
     bytes << screen.rdbuf();
     run.output = bytes.str();
@@ -126,7 +95,7 @@ inline DriverRun RunDriver(const std::string& input, const std::vector<std::stri
 
 inline bool EndedNormally(const DriverRun& run)
 {
-    return run.finished && WIFEXITED(run.status) && WEXITSTATUS(run.status) == 0;
+    return run.status != -1 && WIFEXITED(run.status) && WEXITSTATUS(run.status) == 0;
 }
 
 #endif  // ZO_TESTS_LINE_EDITOR_DRIVER_RUN_H

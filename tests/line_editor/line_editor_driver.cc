@@ -1,16 +1,11 @@
 // Runs the line editor the way the console's prompt loop does, for the tests.
-//
 //   line_editor_driver [--hold] [GROUP=name,name,...]...
-//
-// Each GROUP=... argument is a completion registration (the first clears the
-// registry, as before every console prompt); "GROUP=" registers no names.
-// The loop prints the prompt "TV $", calls Gets and prints each line framed as
-// "<<line>>\n"; after a completion listing it only prints the prompt again.
-// The line "quit" ends the loop; when Gets returns null it prints "<null>\n"
-// and ends the loop. Then it restores the terminal and prints
-// "reset <result>\n". With --hold it then waits for one more line (or
-// the end of input) before exiting, so a test can look at the restored
-// terminal while the program still holds it.
+// Each GROUP registers completion names (the first clears the registry, as
+// before every console prompt). Prints "TV $", each line as "<<line>>\n" (not
+// after a listing), "<null>\n" when Gets returns null; "quit" or null ends the
+// loop with "reset <result>\n". --hold then waits for one more line, so a test
+// can look at the restored terminal while the program still holds it.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -31,11 +26,9 @@ Group ParseGroup(const std::string& arg)
     Group group;
     const size_t eq = arg.find('=');
     group.name = arg.substr(0, eq);
-    std::string rest = eq == std::string::npos ? "" : arg.substr(eq + 1);
-    size_t start = 0;
-    while (!rest.empty() && start <= rest.size()) {
-        const size_t comma = rest.find(',', start);
-        const size_t end = comma == std::string::npos ? rest.size() : comma;
+    const std::string rest = eq == std::string::npos ? "" : arg.substr(eq + 1);
+    for (size_t start = 0; !rest.empty() && start <= rest.size();) {
+        const size_t end = std::min(rest.find(',', start), rest.size());
         group.names.push_back(rest.substr(start, end - start));
         start = end + 1;
     }

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "driver_run.h"
-#include "pty_session.h"
 #include "zo_stream.h"
 
 namespace {
@@ -55,51 +54,29 @@ TEST(ZoStreamCompletion, SingleMatchIsCompletedInPlace)
 {
     PtySession pty;
     ASSERT_TRUE(StartDriver(pty, {" all mods =video,audio,vi", "video cmds=view,set"})) << pty.Error();
-    std::string screen;
-
-    ASSERT_TRUE(pty.Write("au\t\n"));
-    ASSERT_TRUE(pty.WaitFor("TV $", &screen)) << pty.Screen();
-    EXPECT_EQ("audio" + EnteredOnTerminal("audio"), screen);
-
+    EXPECT_EQ("audio" + EnteredOnTerminal("audio"), Type(pty, "au\t\n"));
     // Already complete: nothing changes. After a blank the whole line no longer matches.
-    ASSERT_TRUE(pty.Write("set\t 1\t\n"));
-    ASSERT_TRUE(pty.WaitFor("TV $", &screen)) << pty.Screen();
-    EXPECT_EQ("set 1" + EnteredOnTerminal("set 1"), screen);
+    EXPECT_EQ("set 1" + EnteredOnTerminal("set 1"), Type(pty, "set\t 1\t\n"));
 }
 
 TEST(ZoStreamCompletion, SeveralMatchesAreListedAndTheLineRedrawn)
 {
     PtySession pty;
     ASSERT_TRUE(StartDriver(pty, {" all mods =video,audio,vi,set", "video cmds=view,set"})) << pty.Error();
-    std::string screen;
-
-    ASSERT_TRUE(pty.Write("v\t"));
-    ASSERT_TRUE(pty.WaitFor("TV $v", &screen)) << pty.Screen();
-    EXPECT_EQ(OnTerminal("v\n" + kRule + " all mods " + kRule + "\nvideo\tvi\n" + kRule + "video cmds" + kRule +
-                         "\nview\nTV $v"),
-              screen);
-    ASSERT_TRUE(pty.Write("iew\n"));
-    ASSERT_TRUE(pty.WaitFor("TV $", &screen)) << pty.Screen();
-    EXPECT_EQ("iew" + EnteredOnTerminal("view"), screen);
-
+    const std::string allMods = kRule + " all mods " + kRule + "\n";
+    const std::string videoCmds = kRule + "video cmds" + kRule + "\n";
+    EXPECT_EQ(OnTerminal("v\n" + allMods + "video\tvi\n" + videoCmds + "view\nTV $v"), Type(pty, "v\t", "TV $v"));
+    EXPECT_EQ("iew" + EnteredOnTerminal("view"), Type(pty, "iew\n"));
     // One match in each group is a listing, not a completion.
-    ASSERT_TRUE(pty.Write("se\t"));
-    ASSERT_TRUE(pty.WaitFor("TV $se", &screen)) << pty.Screen();
-    EXPECT_EQ(OnTerminal("se\n" + kRule + " all mods " + kRule + "\nset\n" + kRule + "video cmds" + kRule +
-                         "\nset\nTV $se"),
-              screen);
+    EXPECT_EQ(OnTerminal("se\n" + allMods + "set\n" + videoCmds + "set\nTV $se"), Type(pty, "se\t", "TV $se"));
 }
 
 TEST(ZoStreamCompletion, TabWithNothingToMatchWritesNothing)
 {
-    for (const std::vector<std::string>& groups :
-         {std::vector<std::string>{}, std::vector<std::string>{"empty="}, std::vector<std::string>{"g=x"}}) {
+    for (const std::vector<std::string>& groups : {std::vector<std::string>{}, {"empty="}, {"g=x"}}) {
         PtySession pty;
         ASSERT_TRUE(StartDriver(pty, groups)) << pty.Error();
-        std::string screen;
-        ASSERT_TRUE(pty.Write("ab\tc\n"));
-        ASSERT_TRUE(pty.WaitFor("TV $", &screen)) << pty.Screen();
-        EXPECT_EQ("abc" + EnteredOnTerminal("abc"), screen);
+        EXPECT_EQ("abc" + EnteredOnTerminal("abc"), Type(pty, "ab\tc\n"));
     }
 }
 
@@ -115,19 +92,12 @@ TEST(ZoStreamCompletion, HundredsOfCandidatesAreListedTenToALine)
     }
     PtySession pty;
     ASSERT_TRUE(StartDriver(pty, {group})) << pty.Error();
-    std::string screen;
-
-    // 300 is a multiple of ten: the last name ends its line, and the
-    // listing's own line end leaves an empty line before the prompt.
-    ASSERT_TRUE(pty.Write("\t"));
-    ASSERT_TRUE(pty.WaitFor("TV $", &screen)) << pty.Screen();
-    EXPECT_EQ(OnTerminal(listing + "\nTV $"), screen);
-
-    ASSERT_TRUE(pty.Write("n15\t"));
-    ASSERT_TRUE(pty.WaitFor("TV $n15", &screen)) << pty.Screen();
+    // 300 is a multiple of ten: the last name ends its line, and the listing's
+    // own line end leaves an empty line before the prompt.
+    EXPECT_EQ(OnTerminal(listing + "\nTV $"), Type(pty, "\t"));
     EXPECT_EQ(OnTerminal("n15\n" + kRule + "many cmds" + kRule +
                          "\nn150\tn151\tn152\tn153\tn154\tn155\tn156\tn157\tn158\tn159\n\nTV $n15"),
-              screen);
+              Type(pty, "n15\t", "TV $n15"));
 }
 
 TEST(ZoStreamCompletion, NulByteInTheLineStopsTheComparison)

@@ -5,13 +5,13 @@
 #include <string>
 
 #include "driver_run.h"
-#include "pty_session.h"
-#include "temp_dir.h"
 
 namespace {
 
-void ExpectSameSettings(const struct termios& expected, const struct termios& actual)
+void ExpectSameSettings(const struct termios& expected, PtySession& pty)
 {
+    struct termios actual;
+    ASSERT_EQ(0, pty.GetAttr(&actual));
     EXPECT_EQ(expected.c_iflag, actual.c_iflag);
     EXPECT_EQ(expected.c_oflag, actual.c_oflag);
     EXPECT_EQ(expected.c_cflag, actual.c_cflag);
@@ -21,44 +21,38 @@ void ExpectSameSettings(const struct termios& expected, const struct termios& ac
     EXPECT_EQ(cfgetospeed(&expected), cfgetospeed(&actual));
 }
 
-// A terminal whose VMIN and VTIME differ from what raw mode sets, so that a
-// change of them shows.
-bool StartingSettings(struct termios* settings)
+// Starts program with "--hold" on a terminal whose VMIN and VTIME differ from
+// what raw mode sets, so that a change of them shows.
+bool Start(PtySession& pty, const char* program, struct termios* original, const std::string& stdinPath = "")
 {
-    if (!PtySession::DefaultTermios(settings)) {
+    if (!PtySession::DefaultTermios(original)) {
         return false;
     }
-    settings->c_cc[VMIN] = 4;
-    settings->c_cc[VTIME] = 7;
-    return true;
+    original->c_cc[VMIN] = 4;
+    original->c_cc[VTIME] = 7;
+    PtySession::Options options;
+    options.initialTermios = original;
+    options.stdinPath = stdinPath;
+    return pty.Start(program, {"--hold"}, options);
 }
 
 }  // namespace
 
 TEST(ZoStreamTerminal, InitSetsExactlyRawModeAndResetRestores)
 {
-    struct termios original;
-    ASSERT_TRUE(StartingSettings(&original));
-    PtySession::Options options;
-    options.initialTermios = &original;
     PtySession pty;
-    ASSERT_TRUE(StartDriver(pty, {"--hold"}, options)) << pty.Error() << pty.Screen();
-
+    struct termios original;
+    ASSERT_TRUE(Start(pty, LINE_EDITOR_DRIVER, &original) && pty.WaitFor("TV $")) << pty.Error() << pty.Screen();
     struct termios raw = original;
     raw.c_cc[VMIN] = 1;
     raw.c_cc[VTIME] = 0;
     raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
-    struct termios seen;
-    ASSERT_EQ(0, pty.GetAttr(&seen));
-    ExpectSameSettings(raw, seen);
-    EXPECT_NE(0u, seen.c_lflag & ISIG);
-    EXPECT_NE(0u, seen.c_oflag & OPOST);
+    ExpectSameSettings(raw, pty);
+    EXPECT_NE(0u, raw.c_lflag & ISIG);
+    EXPECT_NE(0u, raw.c_oflag & OPOST);
 
-    ASSERT_TRUE(pty.Write("quit\n"));
-    ASSERT_TRUE(pty.WaitFor("reset 0\r\n")) << pty.Screen();
-    ASSERT_EQ(0, pty.GetAttr(&seen));
-    ExpectSameSettings(original, seen);
-
+    Type(pty, "quit\n", "reset 0\r\n");
+    ExpectSameSettings(original, pty);
     ASSERT_TRUE(pty.Write("\n"));
     int status = 0;
     ASSERT_TRUE(pty.WaitForExit(&status));
@@ -67,48 +61,30 @@ TEST(ZoStreamTerminal, InitSetsExactlyRawModeAndResetRestores)
 
 TEST(ZoStreamTerminal, UnreadSettingsAreNeverAppliedOrRestored)
 {
-    struct termios original;
-    ASSERT_TRUE(StartingSettings(&original));
-    PtySession::Options options;
-    options.initialTermios = &original;
     PtySession pty;
-    ASSERT_TRUE(pty.Start(LINE_EDITOR_DRIVER_TCGETATTR_FAILS, {"--hold"}, options)) << pty.Error();
+    struct termios original;
+    ASSERT_TRUE(Start(pty, LINE_EDITOR_DRIVER_TCGETATTR_FAILS, &original)) << pty.Error();
     ASSERT_TRUE(pty.WaitFor("error:set tcgetattr fail, ret:)0xffffffff !!! errno = 5\r\nTV $")) << pty.Screen();
-
-    struct termios seen;
-    ASSERT_EQ(0, pty.GetAttr(&seen));
-    ExpectSameSettings(original, seen);
-
+    ExpectSameSettings(original, pty);
     // Whatever the terminal holds when the loop ends is left there.
     struct termios changed = original;
     changed.c_cc[VMIN] = 9;
     ASSERT_EQ(0, pty.SetAttr(changed));
-    ASSERT_TRUE(pty.Write("quit\n"));
-    ASSERT_TRUE(pty.WaitFor("reset 0\r\n")) << pty.Screen();
-    ASSERT_EQ(0, pty.GetAttr(&seen));
-    ExpectSameSettings(changed, seen);
-    ASSERT_TRUE(pty.Write("\n"));
-    EXPECT_TRUE(pty.WaitForExit(nullptr));
+    Type(pty, "quit\n", "reset 0\r\n");
+    ExpectSameSettings(changed, pty);
 }
 
 TEST(ZoStreamTerminal, InputThatIsNoTerminalIsReadByteByByte)
 {
     // Output on a terminal, input from a file: the terminal is not touched.
     TempDir dir;
-    struct termios original;
-    ASSERT_TRUE(StartingSettings(&original));
-    PtySession::Options options;
-    options.initialTermios = &original;
-    options.stdinPath = dir.Write("keys", "ab\bc\n");
     PtySession pty;
-    ASSERT_TRUE(StartDriver(pty, {"--hold"}, options)) << pty.Error();
+    struct termios original;
+    ASSERT_TRUE(Start(pty, LINE_EDITOR_DRIVER, &original, dir.Write("keys", "ab\bc\n"))) << pty.Error();
     std::string screen;
     ASSERT_TRUE(pty.WaitFor("reset 0\r\n", &screen)) << pty.Screen();
-    EXPECT_EQ("ab" + Erased(1) + "c" + EnteredOnTerminal("ac") + "<null>\r\nreset 0\r\n", screen);
-    struct termios seen;
-    ASSERT_EQ(0, pty.GetAttr(&seen));
-    ExpectSameSettings(original, seen);
-    EXPECT_TRUE(pty.WaitForExit(nullptr));
+    EXPECT_EQ("TV $ab" + Erased(1) + "c" + EnteredOnTerminal("ac") + "<null>\r\nreset 0\r\n", screen);
+    ExpectSameSettings(original, pty);
 
     // A pipe, and /dev/null: the end of input ends the loop.
     const DriverRun piped = RunDriverOn("", "x y\nlast", {});

@@ -21,24 +21,15 @@ std::vector<std::string> AllRows(const ZoFile& file)
 TEST(ZoFile, SplitsAtLineFeedsKeepingCarriageReturns)
 {
     TempDir dir;
-    ZoFile file;
-    ASSERT_EQ(file.Init(dir.Write("a", "one\r\n\ntwo\nlast"), "r"), 0);
-    EXPECT_EQ(file.GetIOExceptionStatus(), 0);
-    EXPECT_FALSE(file.IsEmpty());
-    EXPECT_EQ(AllRows(file), (std::vector<std::string>{"one\r", "", "two", "last"}));
-
-    ZoFile trailing;
-    trailing.Init(dir.Write("b", "x\n"), "r");
-    EXPECT_EQ(AllRows(trailing), (std::vector<std::string>{"x"}));
-
-    ZoFile onlyFeed;
-    onlyFeed.Init(dir.Write("c", "\n"), "r");
-    EXPECT_EQ(AllRows(onlyFeed), (std::vector<std::string>{""}));
-
-    ZoFile empty;
-    empty.Init(dir.Write("d", ""), "r");
-    EXPECT_TRUE(empty.IsEmpty());
-    EXPECT_TRUE(empty.IsEOF());
+    const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
+        {"one\r\n\ntwo\nlast", {"one\r", "", "two", "last"}}, {"x\n", {"x"}}, {"\n", {""}}, {"", {}}};
+    for (const auto& c : cases) {
+        ZoFile file;
+        ASSERT_EQ(file.Init(dir.Write("a", c.first), "r"), 0);
+        EXPECT_EQ(file.GetIOExceptionStatus(), 0);
+        EXPECT_EQ(file.IsEmpty(), c.first.empty());
+        EXPECT_EQ(AllRows(file), c.second) << c.first;
+    }
 }
 
 TEST(ZoFile, RollBackPutsBackTheLastRowOnce)

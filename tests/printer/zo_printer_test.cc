@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <utils/String16.h>
@@ -35,7 +36,7 @@ std::string Render(const android::Parcel& reply, const char* fmt, const Array<st
 
 }  // namespace
 
-TEST(Printer, EveryLetterHasItsText)
+TEST(Printer, EveryLetterHasItsTextOneRowPerPass)
 {
     android::Parcel reply;
     reply.writeInt32(-5);
@@ -43,109 +44,59 @@ TEST(Printer, EveryLetterHasItsText)
     reply.writeFloat(1.5f);
     reply.writeDouble(1.5);
     reply.writeString16(android::String16("abc"));
-    int result = 1;
-    const std::string text = Render(reply, "dDfFs", Tags({"a", "b", "c", "d", "e"}), &result);
-    EXPECT_EQ(0, result);
-    EXPECT_EQ(kSep + "a:-5\tb:-9000000000\tc:1.500000\td:        1.500000\te:abc\t\n" + kSep, text);
-}
-
-TEST(Printer, OnePassPerRowWhileDataRemains)
-{
-    android::Parcel reply;
-    reply.writeInt32(5);
-    reply.writeString16(android::String16("abc"));
-    reply.writeDouble(1.5);
     reply.writeInt32(6);
-    reply.writeString16(android::String16("x"));
-    reply.writeDouble(2.25);
     int result = 1;
-    const std::string text = Render(reply, "dsF", Tags({"id", "name", "val"}), &result);
-    EXPECT_EQ(0, result);
-    EXPECT_EQ(kSep + "id:5\tname:abc\tval:        1.500000\t\n" + "id:6\tname:x\tval:        2.250000\t\n" + kSep, text);
-}
-
-TEST(Printer, EmptyReplyPrintsTheSeparatorsOnly)
-{
-    android::Parcel reply;
-    int result = 1;
-    EXPECT_EQ(kSep + kSep, Render(reply, "d", Tags({"a"}), &result));
-    EXPECT_EQ(0, result);
-}
-
-TEST(Printer, MissingFormatOrTagsReadsAndPrintsNothing)
-{
-    android::Parcel reply;
-    reply.writeInt32(1);
-    int result = 0;
-    EXPECT_EQ("", Render(reply, nullptr, Tags({"a"}), &result));
-    EXPECT_EQ(-1, result);
-    EXPECT_EQ("", Render(reply, "", Tags({"a"}), &result));
-    EXPECT_EQ(-1, result);
-    EXPECT_EQ("", Render(reply, "d", Tags({}), &result));
-    EXPECT_EQ(-1, result);
-    EXPECT_EQ(0u, reply.dataPosition());
-}
-
-TEST(Printer, TagsLimitTheLettersOfAPass)
-{
-    android::Parcel reply;
-    reply.writeInt32(1);
-    reply.writeInt32(2);
-    reply.writeInt32(3);
-    int result = 1;
-    // Fewer tags than letters: the second 'd' is never read, so each row takes one value.
-    EXPECT_EQ(kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep, Render(reply, "dd", Tags({"n"}), &result));
-
-    reply.setDataPosition(0);
-    // More tags than letters: the extra tags are never printed.
-    EXPECT_EQ(kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep, Render(reply, "d", Tags({"n", "unused"}), &result));
-    EXPECT_EQ(0, result);
-}
-
-TEST(Printer, DataEndingInsideAPassShowsZeros)
-{
-    android::Parcel reply;
-    reply.writeInt32(7);
-    int result = 1;
-    EXPECT_EQ(kSep + "a:7\tb:0\tc:0.000000\td:        0.000000\te:\t\n" + kSep,
+    // The data ends inside the second pass: the rest of the row shows zeros.
+    EXPECT_EQ(kSep + "a:-5\tb:-9000000000\tc:1.500000\td:        1.500000\te:abc\t\n" +
+                  "a:6\tb:0\tc:0.000000\td:        0.000000\te:\t\n" + kSep,
               Render(reply, "dDfFs", Tags({"a", "b", "c", "d", "e"}), &result));
-}
-
-TEST(Printer, InvalidLetterStopsWithItsMessage)
-{
-    android::Parcel reply;
-    reply.writeInt32(1);
-    int result = 0;
-    EXPECT_EQ("invalid fmt info!\n", Render(reply, "dx", Tags({"a", "b"}), &result));
-    EXPECT_EQ(-1, result);
-    reply.setDataPosition(0);
-    EXPECT_EQ("invalid fmt info!\n", Render(reply, "d d", Tags({"a", "b", "c"}), &result));
-}
-
-TEST(Printer, CapitalSPrintsItsMessageOncePerPass)
-{
-    android::Parcel reply;
-    reply.writeInt32(1);
-    reply.writeInt32(2);
-    int result = 1;
-    EXPECT_EQ(kNoS + kNoS + kSep + "a:1\t\na:2\t\n" + kSep, Render(reply, "dS", Tags({"a", "b"}), &result));
     EXPECT_EQ(0, result);
 }
 
-TEST(Printer, PassThatReadsNothingEndsTheReply)
+TEST(Printer, FormatTagsAndDataDecideWhatIsPrinted)
 {
-    android::Parcel reply;
-    reply.writeInt32(1);
-    int result = 1;
-    // Only 'S' is handled: the data never shrinks, so one pass is all there is.
-    EXPECT_EQ(kNoS + kSep + kSep, Render(reply, "Sd", Tags({"a"}), &result));
-    EXPECT_EQ(0, result);
-
+    const struct {
+        std::vector<int32_t> words;  // the reply
+        const char* fmt;
+        Array<std::string> tags;
+        int result;
+        std::string printed;
+    } cases[] = {
+        {{}, "d", Tags({"a"}), 0, kSep + kSep},
+        // A missing format or tags read and print nothing.
+        {{1}, nullptr, Tags({"a"}), -1, ""},
+        {{1}, "", Tags({"a"}), -1, ""},
+        {{1}, "d", Tags({}), -1, ""},
+        // Fewer tags than letters: the second 'd' is never read. More: the extra tags are never printed.
+        {{1, 2, 3}, "dd", Tags({"n"}), 0, kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep},
+        {{1, 2, 3}, "d", Tags({"n", "unused"}), 0, kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep},
+        {{1}, "dx", Tags({"a", "b"}), -1, "invalid fmt info!\n"},
+        {{1}, "d d", Tags({"a", "b", "c"}), -1, "invalid fmt info!\n"},
+        // 'S' prints its message once per pass.
+        {{1, 2}, "dS", Tags({"a", "b"}), 0, kNoS + kNoS + kSep + "a:1\t\na:2\t\n" + kSep},
+        // A pass that reads nothing ends the reply.
+        {{1}, "Sd", Tags({"a"}), 0, kNoS + kSep + kSep},
+        // Hostile string counts give empty text; the last claims two units with only 4 bytes left.
+        {{-1, 0x7ffffff0, 2, 0x00410041}, "s", Tags({"t"}), 0, kSep + "t:\t\nt:\t\nt:\t\nt:\t\n" + kSep},
+    };
+    for (const auto& c : cases) {
+        android::Parcel reply;
+        for (int32_t word : c.words) {
+            reply.writeInt32(word);
+        }
+        int result = 100;
+        EXPECT_EQ(c.printed, Render(reply, c.fmt, c.tags, &result)) << (c.fmt ? c.fmt : "null");
+        EXPECT_EQ(c.result, result) << (c.fmt ? c.fmt : "null");
+        if (c.printed.empty()) {
+            EXPECT_EQ(0u, reply.dataPosition()) << "nothing is read";
+        }
+    }
     // A tail too short for any value is not shown as a row of zeros.
     const uint8_t bytes[] = {9, 0, 0, 0, 0xAB, 0xCD};
-    reply.setData(bytes, sizeof bytes);
-    EXPECT_EQ(kSep + "a:9\t\n" + kSep, Render(reply, "d", Tags({"a"}), &result));
-    EXPECT_EQ(0, result);
+    android::Parcel tail;
+    tail.setData(bytes, sizeof bytes);
+    int result = 1;
+    EXPECT_EQ(kSep + "a:9\t\n" + kSep, Render(tail, "d", Tags({"a"}), &result));
 }
 
 TEST(Printer, OversizedNumberIsLoggedAndLeftOut)
@@ -162,17 +113,4 @@ TEST(Printer, OversizedNumberIsLoggedAndLeftOut)
     EXPECT_EQ("ZoMW_Zo_cmd_pri", records[0].tag);
     EXPECT_EQ("ParseDecimalfmt", records[0].function);
     EXPECT_EQ("snprintf_s failed, ret = -1", records[0].message);
-}
-
-TEST(Printer, HostileStringCountsGiveEmptyText)
-{
-    android::Parcel reply;
-    reply.writeInt32(-1);
-    reply.writeInt32(0x7ffffff0);
-    reply.writeInt32(2);  // claims two units, but only 4 bytes follow
-    reply.writeInt32(0x00410041);
-    int result = 1;
-    const std::string text = Render(reply, "s", Tags({"t"}), &result);
-    EXPECT_EQ(0, result);
-    EXPECT_EQ(kSep + "t:\t\nt:\t\nt:\t\nt:\t\n" + kSep, text);
 }

@@ -1,77 +1,64 @@
-// A test must be able to start a program of this build, through a pipe and in
+// A test must be able to start a program of this build through a pipe and in
 // a pseudo-terminal, natively and under the cross build's emulator. The
-// program started is this test binary itself, listing its own tests.
+// program started is this test binary, listing its own tests.
 #include "child_program.h"
 
-#include <string>
+#include <fcntl.h>
+#include <sys/wait.h>
 
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
+
+#include "pty_session.h"
 
 namespace {
 
 const std::vector<std::string> kListSelf = {ZO_SELF_PATH, "--gtest_list_tests", "--gtest_filter=ChildProgram.*"};
 
-// Everything fd delivers until end of file or error, waiting at most 30 s for each read.
-std::string ReadAll(int fd)
-{
-    std::string out;
-    char buf[256];
-    pollfd pfd{fd, POLLIN, 0};
-    while (poll(&pfd, 1, 30000) > 0) {
-        const ssize_t n = read(fd, buf, sizeof buf);
-        if (n <= 0) {
-            break;  // a pseudo-terminal reports the child's exit as EIO
-        }
-        out.append(buf, static_cast<size_t>(n));
-    }
-    return out;
-}
-
-int ExitCode(pid_t pid)
-{
-    int status = 0;
-    if (waitpid(pid, &status, 0) != pid || !WIFEXITED(status)) {
-        return -1;
-    }
-    return WEXITSTATUS(status);
-}
-
 TEST(ChildProgram, StartsThroughAPipe)
 {
     int fds[2];
-    ASSERT_EQ(pipe(fds), 0);
-    const pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
-        dup2(fds[1], STDOUT_FILENO);
-        ExecChild(kListSelf);
-        _exit(127);
-    }
+    ASSERT_EQ(pipe2(fds, O_CLOEXEC), 0);
+    const pid_t pid = SpawnChild(kListSelf, -1, fds[1]);
     close(fds[1]);
-    const std::string out = ReadAll(fds[0]);
+    std::string out;
+    char buf[256];
+    for (ssize_t n; (n = read(fds[0], buf, sizeof buf)) > 0;) {
+        out.append(buf, static_cast<size_t>(n));
+    }
     close(fds[0]);
-    EXPECT_EQ(ExitCode(pid), 0);
+    const int status = WaitChild(pid, 30000);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
     EXPECT_NE(out.find("ChildProgram.\n  StartsThroughAPipe\n"), std::string::npos) << out;
 }
 
 TEST(ChildProgram, StartsInAPseudoTerminal)
 {
-    int master = -1;
-    const pid_t pid = forkpty(&master, nullptr, nullptr, nullptr);
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
-        ExecChild(kListSelf);
-        _exit(127);
-    }
-    const std::string out = ReadAll(master);
-    close(master);
-    EXPECT_EQ(ExitCode(pid), 0);
+    PtySession pty;
+    ASSERT_TRUE(pty.Start(kListSelf[0], {kListSelf.begin() + 1, kListSelf.end()})) << pty.Error();
+    int status = 0;
+    ASSERT_TRUE(pty.WaitForExit(&status, 30000)) << pty.Screen();
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
     // The terminal turns each line feed the program writes into CR LF.
-    EXPECT_NE(out.find("ChildProgram.\r\n  StartsThroughAPipe\r\n"), std::string::npos) << out;
+    EXPECT_NE(pty.Screen().find("ChildProgram.\r\n  StartsThroughAPipe\r\n"), std::string::npos) << pty.Screen();
+}
+
+TEST(PtySession, SilentOrMissingProgramFailsInTime)
+{
+    PtySession::Options host;
+    host.hostProgram = true;
+    PtySession silent;
+    ASSERT_TRUE(silent.Start("/bin/sleep", {"30"}, host)) << silent.Error();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(silent.WaitFor("never", nullptr, 200));
+    EXPECT_FALSE(silent.WaitForExit(nullptr, 100));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+
+    PtySession missing;
+    ASSERT_TRUE(missing.Start("/nonexistent/program", {}, host)) << missing.Error();
+    int status = 0;
+    ASSERT_TRUE(missing.WaitForExit(&status));
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 127) << status;
+    EXPECT_NE(std::string::npos, missing.Screen().find("exec failed"));
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "pty_session.h"
 
-#include "child_program.h"
-
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
@@ -13,21 +11,19 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <thread>
+
+#include "child_program.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
+Clock::time_point After(int ms) { return Clock::now() + std::chrono::milliseconds(ms); }
+
 int MsLeft(Clock::time_point deadline)
 {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
     return left > 0 ? static_cast<int>(left) : 0;
-}
-
-Clock::time_point After(int ms)
-{
-    return Clock::now() + std::chrono::milliseconds(ms);
 }
 
 }  // namespace
@@ -38,98 +34,68 @@ PtySession::~PtySession()
         kill(m_pid, SIGKILL);
         waitpid(m_pid, nullptr, 0);
     }
-    if (m_master >= 0) {
-        close(m_master);
-    }
+    CloseTerminal();
 }
 
 bool PtySession::Start(const std::string& program, const std::vector<std::string>& args, const Options& options)
 {
-    if (m_pid > 0) {
-        m_error = "session already started";
-        return false;
-    }
-    // Everything the child needs is prepared before the fork. In a cross build
-    // the program runs under the same emulator as the test.
     std::vector<std::string> words{program};
     words.insert(words.end(), args.begin(), args.end());
-    const std::vector<std::string> command = options.hostProgram ? words : ChildCommand(words);
-    std::vector<char*> argv;
-    for (const std::string& word : command) {
-        argv.push_back(const_cast<char*>(word.c_str()));
-    }
-    argv.push_back(nullptr);
-
-    int master = -1;
-    const pid_t pid = forkpty(&master, nullptr, options.initialTermios, nullptr);
+    const pid_t pid = m_pid > 0 ? -1 : forkpty(&m_master, nullptr, options.initialTermios, nullptr);
     if (pid < 0) {
-        m_error = std::string("forkpty: ") + std::strerror(errno);
+        m_error = m_pid > 0 ? "session already started" : std::string("forkpty: ") + std::strerror(errno);
         return false;
     }
     if (pid == 0) {
-        if (!options.stdinPath.empty()) {
-            const int in = open(options.stdinPath.c_str(), O_RDONLY);
-            if (in < 0 || dup2(in, STDIN_FILENO) < 0) {
-                _exit(126);
-            }
-            close(in);
+        const int in = options.stdinPath.empty() ? STDIN_FILENO : open(options.stdinPath.c_str(), O_RDONLY);
+        if (in < 0 || dup2(in, STDIN_FILENO) < 0) {
+            _exit(126);
         }
-        execvp(argv[0], argv.data());
+        if (options.hostProgram) {
+            unsetenv("ZO_TEST_EMULATOR");
+        }
+        ExecChild(words);
         static const char kMessage[] = "exec failed\n";
         (void)!write(STDOUT_FILENO, kMessage, sizeof kMessage - 1);
         _exit(127);
     }
     m_pid = pid;
-    m_master = master;
     fcntl(m_master, F_SETFL, fcntl(m_master, F_GETFL) | O_NONBLOCK);
     return true;
 }
 
 bool PtySession::ReadSome(int timeoutMs)
 {
-    if (m_closed) {
-        return false;
-    }
     struct pollfd pfd = {m_master, POLLIN, 0};
-    if (poll(&pfd, 1, timeoutMs) <= 0) {
+    if (m_closed || poll(&pfd, 1, timeoutMs) <= 0) {
         return false;
     }
     char buffer[4096];
     const ssize_t n = read(m_master, buffer, sizeof buffer);
     if (n > 0) {
         m_screen.append(buffer, static_cast<size_t>(n));
-        return true;
     }
-    if (n < 0 && (errno == EAGAIN || errno == EINTR)) {
-        return true;
-    }
-    m_closed = true;  // EOF, or EIO once no process holds the slave side
-    return false;
+    m_closed = n == 0 || (n < 0 && errno != EAGAIN && errno != EINTR);  // EIO once the program is gone
+    return !m_closed;
 }
 
 bool PtySession::Write(const std::string& bytes, int timeoutMs)
 {
     const auto deadline = After(timeoutMs);
-    size_t sent = 0;
-    while (sent < bytes.size()) {
+    for (size_t sent = 0; sent < bytes.size();) {
         struct pollfd pfd = {m_master, POLLIN | POLLOUT, 0};
-        if (m_master < 0 || poll(&pfd, 1, MsLeft(deadline)) <= 0) {
-            return false;
-        }
-        if ((pfd.revents & POLLIN) != 0) {
-            ReadSome(0);
-        }
-        if ((pfd.revents & POLLOUT) != 0) {
-            const ssize_t n = write(m_master, bytes.data() + sent, bytes.size() - sent);
-            if (n > 0) {
-                sent += static_cast<size_t>(n);
-            } else if (n < 0 && errno != EAGAIN && errno != EINTR) {
-                return false;
+        if (m_master < 0 || poll(&pfd, 1, MsLeft(deadline)) <= 0 || (pfd.revents & POLLOUT) == 0) {
+            if ((pfd.revents & POLLIN) != 0 && ReadSome(0)) {
+                continue;
             }
-        }
-        if ((pfd.revents & (POLLERR | POLLHUP)) != 0 && (pfd.revents & POLLOUT) == 0) {
             return false;
         }
+        ReadSome(0);
+        const ssize_t n = write(m_master, bytes.data() + sent, bytes.size() - sent);
+        if (n < 0 && errno != EAGAIN && errno != EINTR) {
+            return false;
+        }
+        sent += n > 0 ? static_cast<size_t>(n) : 0;
     }
     return true;
 }
@@ -137,22 +103,18 @@ bool PtySession::Write(const std::string& bytes, int timeoutMs)
 bool PtySession::WaitFor(const std::string& text, std::string* upTo, int timeoutMs)
 {
     const auto deadline = After(timeoutMs);
-    for (;;) {
-        const size_t at = m_screen.find(text, m_consumed);
-        if (at != std::string::npos) {
-            const size_t end = at + text.size();
-            if (upTo != nullptr) {
-                *upTo = m_screen.substr(m_consumed, end - m_consumed);
-            }
-            m_consumed = end;
-            return true;
-        }
-        const int left = MsLeft(deadline);
-        if (left == 0 || m_closed) {
+    size_t at;
+    while ((at = m_screen.find(text, m_consumed)) == std::string::npos) {
+        if (MsLeft(deadline) == 0 || m_closed) {
             return false;
         }
-        ReadSome(left);
+        ReadSome(MsLeft(deadline));
     }
+    if (upTo != nullptr) {
+        *upTo = m_screen.substr(m_consumed, at + text.size() - m_consumed);
+    }
+    m_consumed = at + text.size();
+    return true;
 }
 
 std::string PtySession::ReadQuiet(int quietMs, int timeoutMs)
@@ -168,21 +130,14 @@ std::string PtySession::ReadQuiet(int quietMs, int timeoutMs)
 bool PtySession::WaitForExit(int* status, int timeoutMs)
 {
     const auto deadline = After(timeoutMs);
-    while (!m_reaped) {
-        if (m_pid <= 0) {
-            return false;
-        }
+    while (!m_reaped && m_pid > 0) {
         const pid_t done = waitpid(m_pid, &m_exitStatus, WNOHANG);
-        if (done == m_pid) {
-            m_reaped = true;
-            break;
-        }
-        if (done < 0 || MsLeft(deadline) == 0) {
+        m_reaped = done == m_pid;
+        if (done < 0 || (!m_reaped && MsLeft(deadline) == 0)) {
             return false;
         }
-        // Draining the screen keeps a chatty program from blocking on its output.
-        if (!ReadSome(std::min(10, MsLeft(deadline)))) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        if (!m_reaped && !ReadSome(std::min(10, MsLeft(deadline)))) {
+            poll(nullptr, 0, 2);  // a closed terminal: keep from spinning
         }
     }
     while (ReadSome(0)) {
@@ -190,7 +145,7 @@ bool PtySession::WaitForExit(int* status, int timeoutMs)
     if (status != nullptr) {
         *status = m_exitStatus;
     }
-    return true;
+    return m_reaped;
 }
 
 void PtySession::CloseTerminal()
@@ -202,15 +157,9 @@ void PtySession::CloseTerminal()
     }
 }
 
-int PtySession::GetAttr(struct termios* settings) const
-{
-    return tcgetattr(m_master, settings);
-}
+int PtySession::GetAttr(struct termios* settings) const { return tcgetattr(m_master, settings); }
 
-int PtySession::SetAttr(const struct termios& settings)
-{
-    return tcsetattr(m_master, TCSANOW, &settings);
-}
+int PtySession::SetAttr(const struct termios& settings) { return tcsetattr(m_master, TCSANOW, &settings); }
 
 bool PtySession::DefaultTermios(struct termios* settings)
 {

@@ -11,18 +11,15 @@
 
 class StdoutCapture {
 public:
-    StdoutCapture()
+    StdoutCapture() : m_file(tmpfile()), m_saved((fflush(stdout), dup(STDOUT_FILENO)))
     {
-        fflush(stdout);
-        m_file = tmpfile();
-        m_saved = dup(STDOUT_FILENO);
         if (m_file == nullptr || m_saved < 0 || dup2(fileno(m_file), STDOUT_FILENO) < 0) {
             throw std::runtime_error("cannot capture standard output");
         }
     }
     ~StdoutCapture()
     {
-        Stop();
+        Text();
         fclose(m_file);
     }
     StdoutCapture(const StdoutCapture&) = delete;
@@ -30,30 +27,21 @@ public:
 
     std::string Text()
     {
-        Stop();
-        std::string text;
-        rewind(m_file);
-        char chunk[4096];
-        size_t n;
-        while ((n = fread(chunk, 1, sizeof chunk, m_file)) > 0) {
-            text.append(chunk, n);
-        }
-        return text;
-    }
-
-private:
-    void Stop()
-    {
         if (m_saved >= 0) {
             fflush(stdout);
             dup2(m_saved, STDOUT_FILENO);
             close(m_saved);
             m_saved = -1;
         }
+        std::string text(static_cast<size_t>(ftell(m_file)), '\0');
+        rewind(m_file);
+        text.resize(fread(&text[0], 1, text.size(), m_file));
+        return text;
     }
 
-    FILE* m_file = nullptr;
-    int m_saved = -1;
+private:
+    FILE* m_file;
+    int m_saved;
 };
 
 #endif  // ZO_TESTS_SUPPORT_STDOUT_CAPTURE_H

@@ -1,14 +1,15 @@
 // The console's side of a test against the real zo_service_sim: the program
-// as a second process, and the page as the console maps it. Every wait has a
-// deadline.
+// as a second process, and the page as the console maps it.
 #ifndef ZO_TESTS_TOOLS_SERVICE_SIM_SIM_HARNESS_H
 #define ZO_TESTS_TOOLS_SERVICE_SIM_SIM_HARNESS_H
 
 #include <chrono>
-#include <csignal>
 #include <cstdint>
+#include <algorithm>
 #include <cstring>
+#include <fstream>
 #include <initializer_list>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -17,12 +18,10 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "child_program.h"
+#include "temp_dir.h"
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
@@ -49,48 +48,54 @@ inline Bytes Ints(std::initializer_list<int32_t> values)
 template <typename Cond>
 bool WaitFor(Cond cond, milliseconds timeout = milliseconds(3000))
 {
-    const auto deadline = Clock::now() + timeout;
-    while (!cond()) {
+    for (const auto deadline = Clock::now() + timeout; !cond(); std::this_thread::sleep_for(milliseconds(1))) {
         if (Clock::now() >= deadline) {
             return false;
         }
-        std::this_thread::sleep_for(milliseconds(1));
     }
     return true;
 }
 
-// The simulator with its standard output on a pipe and standard error in a file.
-class SimProcess {
+// A directory with the catalogue files given; the simulator runs with its
+// standard output on a pipe and its standard error in the file sim.err.
+class Sim {
 public:
-    SimProcess(const std::vector<std::string>& args, const std::string& errPath)
+    Sim() = default;
+    Sim(const std::string& mods, const std::string& cmds)
     {
-        std::vector<char*> argv{const_cast<char*>(ZO_SERVICE_SIM_PATH)};
-        for (const std::string& a : args) {
-            argv.push_back(const_cast<char*>(a.c_str()));
-        }
-        argv.push_back(nullptr);
-        int out[2];
-        if (pipe(out) != 0 || (m_pid = fork()) < 0) {
-            return;
-        }
-        if (m_pid == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);  // never outlive a crashed test
-            dup2(out[1], STDOUT_FILENO);
-            dup2(open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
-            ExecChild(std::vector<std::string>(argv.begin(), argv.end() - 1));
-            _exit(127);
-        }
-        close(out[1]);
-        m_out = out[0];
+        dir.Write("mods.conf", mods);
+        dir.Write("cmds.conf", cmds);
     }
-    ~SimProcess()
+    ~Sim() { Stop(); }
+
+    // Starts the simulator on the directory and maps the page once it is 4096 bytes long.
+    bool Start(std::vector<std::string> options = {})
     {
-        if (m_pid > 0) {
-            kill(m_pid, SIGKILL);
-            waitpid(m_pid, nullptr, 0);
-        }
-        close(m_out);
+        options.insert(options.begin(), dir.Path());
+        Spawn(options);
+        struct stat st {};
+        const std::string path = dir.File(".tv");
+        const int fd = WaitFor([&] { return stat(path.c_str(), &st) == 0 && st.st_size >= 4096; }, milliseconds(10000))
+                           ? open(path.c_str(), O_RDWR)
+                           : -1;
+        void* base = fd < 0 ? MAP_FAILED : mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+        m_base = base == MAP_FAILED ? nullptr : static_cast<uint8_t*>(base);
+        close(fd);
+        return m_base != nullptr;
     }
+    // The wait status of a run with exactly these arguments.
+    int Run(std::vector<std::string> args)
+    {
+        Spawn(args);
+        return WaitExit();
+    }
+    int WaitExit()
+    {
+        const int status = WaitChild(m_pid, 3000);
+        m_pid = -1;
+        return status;
+    }
+    int Signal(int sig) { return kill(m_pid, sig) == 0 ? WaitExit() : -1; }
 
     // The next output line without its line end; "<timeout>" when none comes in time.
     std::string ReadLine(milliseconds timeout = milliseconds(3000))
@@ -112,45 +117,6 @@ public:
         return line;
     }
 
-    // The wait status once the process has ended, -1 after the deadline.
-    int WaitExit()
-    {
-        int status = -1;
-        if (WaitFor([&] { return waitpid(m_pid, &status, WNOHANG) == m_pid; })) {
-            m_pid = -1;
-            return status;
-        }
-        return -1;
-    }
-    int Signal(int sig) { return kill(m_pid, sig) == 0 ? WaitExit() : -1; }
-
-private:
-    pid_t m_pid = -1;
-    int m_out = -1;
-    std::string m_buffer;
-};
-
-// The page as the console maps it, once the simulator has made it 4096 bytes long.
-class ConsolePage {
-public:
-    explicit ConsolePage(const std::string& path)
-    {
-        struct stat st {};
-        const int fd = WaitFor([&] { return stat(path.c_str(), &st) == 0 && st.st_size >= 4096; })
-                           ? open(path.c_str(), O_RDWR)
-                           : -1;
-        void* base = fd < 0 ? MAP_FAILED : mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
-        m_base = base == MAP_FAILED ? nullptr : static_cast<uint8_t*>(base);
-        close(fd);
-    }
-    ~ConsolePage()
-    {
-        if (m_base != nullptr) {
-            munmap(m_base, 4096);
-        }
-    }
-    bool Mapped() const { return m_base != nullptr; }
-
     // Payload, size, then the flag with the request bit alone, as the console posts.
     void Post(const Bytes& bytes, uint32_t size)
     {
@@ -158,8 +124,12 @@ public:
         std::memcpy(m_base + 4, &size, 4);
         __atomic_store_n(reinterpret_cast<uint32_t*>(m_base), 1u, __ATOMIC_RELEASE);
     }
-    void Post(const Bytes& bytes) { Post(bytes, static_cast<uint32_t>(bytes.size())); }
-
+    // Posts a request and returns the simulator's line for it.
+    std::string Ask(const Bytes& request)
+    {
+        Post(request, static_cast<uint32_t>(request.size()));
+        return ReadLine();
+    }
     uint32_t Flag() const { return __atomic_load_n(reinterpret_cast<const uint32_t*>(m_base), __ATOMIC_ACQUIRE); }
     uint32_t Size() const
     {
@@ -171,11 +141,51 @@ public:
     {
         return WaitFor([this] { return (Flag() & 2u) != 0; }, timeout);
     }
-    // The reply by u32Size, cut to the page when it claims more.
-    Bytes Reply() const { return Bytes(m_base + 8, m_base + 8 + (Size() < 4088 ? Size() : 4088)); }
+    // The reply by u32Size, cut to the page when it claims more; empty when none comes.
+    Bytes Reply() const { return WaitReply() ? Bytes(m_base + 8, m_base + 8 + std::min(Size(), 4088u)) : Bytes(); }
+
+    std::string Errors() const
+    {
+        std::stringstream text;
+        text << std::ifstream(dir.File("sim.err")).rdbuf();
+        return text.str();
+    }
+
+    TempDir dir;
 
 private:
+    void Spawn(std::vector<std::string> args)
+    {
+        Stop();
+        args.insert(args.begin(), ZO_SERVICE_SIM_PATH);
+        int out[2];
+        if (pipe2(out, O_CLOEXEC) == 0) {
+            const int err = open(dir.File("sim.err").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+            m_pid = SpawnChild(args, -1, out[1], err);
+            close(err);
+            close(out[1]);
+            m_out = out[0];
+        }
+    }
+    void Stop()
+    {
+        if (m_pid > 0) {
+            kill(m_pid, SIGKILL);
+            waitpid(m_pid, nullptr, 0);
+        }
+        if (m_base != nullptr) {
+            munmap(m_base, 4096);
+        }
+        close(m_out);
+        m_pid = m_out = -1;
+        m_base = nullptr;
+        m_buffer.clear();
+    }
+
+    pid_t m_pid = -1;
+    int m_out = -1;
     uint8_t* m_base = nullptr;
+    std::string m_buffer;
 };
 
 #endif  // ZO_TESTS_TOOLS_SERVICE_SIM_SIM_HARNESS_H

@@ -1,0 +1,211 @@
+// The line editor on arbitrary key streams, with completion lists registered.
+//
+// Input: the bytes typed, read by a fresh ZoStream through standard input
+// (a file here, not a terminal), with Gets called until the input ends.
+//
+// Checked besides memory safety: every result of Gets is what a plain model
+// of the key table predicts (the line, "TAB" after a listing, null for a
+// line too long and at the end of input), so keys, history recall and
+// completion are followed byte for byte.
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "fuzz_check.h"
+#include "fuzz_quiet.h"
+#include "zo_stream.h"
+
+namespace {
+
+// Groups as the console registers them before a prompt: module words, then
+// the selected module's commands; names share prefixes, one name is in two
+// groups, one group is long enough to wrap its listing many times, and one
+// is empty.
+const char* kModWords[] = {"chan", "channel", "pic", "picture", "snd", "sys", "system", "vid", "video", "vi"};
+const char* kVideoCmds[] = {"view", "vi", "set", "set_mode", "set mode", "get", "get_state", "reset"};
+const char* kNoCmds[] = {"never"};
+std::vector<std::string> g_manyNames;
+std::vector<const char*> g_manyList;
+
+struct Group {
+    const char** list;
+    unsigned int count;
+};
+std::vector<Group> g_groups;
+
+void RegisterAll(ZoStream& stream)
+{
+    stream.RegistTab(" all mods ", sizeof kModWords / sizeof *kModWords, kModWords, true);
+    stream.RegistTab("video cmds", sizeof kVideoCmds / sizeof *kVideoCmds, kVideoCmds, false);
+    stream.RegistTab("empty cmds", 0, kNoCmds, false);
+    stream.RegistTab("tuner cmds", static_cast<unsigned int>(g_manyList.size()), g_manyList.data(), false);
+}
+
+int g_keys = -1;  // the file that descriptor 0 reads
+
+// What Gets should return next.
+struct Result {
+    enum Kind { kLine, kTab, kNull } kind;
+    std::string line;
+};
+
+// The editor as the key table describes it, without a screen.
+class Model {
+public:
+    Model(const uint8_t* data, size_t size) : m_data(data), m_size(size) {}
+
+    Result Next()
+    {
+        while (m_at < m_size) {
+            const uint8_t byte = m_data[m_at++];
+            switch (byte) {
+            case 27: case '[': case 'C': case 'D':
+                break;
+            case 8:
+                if (!m_line.empty()) {
+                    m_line.pop_back();
+                }
+                break;
+            case 9:
+                if (Complete()) {
+                    return {Result::kTab, ""};
+                }
+                break;
+            case 10:
+                return Enter();
+            case 'A':
+                if (!m_history.empty() && m_pos != 0) {
+                    m_pos = (m_pos == kEnd ? m_history.size() : m_pos) - 1;
+                    m_line = m_history[m_pos];
+                }
+                break;
+            case 'B':
+                if (m_pos != kEnd) {
+                    m_pos = m_pos + 1 < m_history.size() ? m_pos + 1 : kEnd;
+                    if (m_pos != kEnd) {
+                        m_line = m_history[m_pos];
+                    }
+                }
+                break;
+            default:
+                m_line.push_back(static_cast<char>(byte));
+                break;
+            }
+        }
+        return {Result::kNull, ""};
+    }
+
+    bool AtEnd() const { return m_at == m_size; }
+
+private:
+    // True when several names matched and were listed.
+    bool Complete()
+    {
+        const char* only = nullptr;
+        unsigned int matches = 0;
+        for (const Group& group : g_groups) {
+            for (unsigned int i = 0; i < group.count; ++i) {
+                if (std::strncmp(group.list[i], m_line.c_str(), m_line.size()) == 0) {
+                    only = group.list[i];
+                    ++matches;
+                }
+            }
+        }
+        if (matches == 1) {
+            m_line = only;
+        }
+        return matches > 1;
+    }
+
+    Result Enter()
+    {
+        if (m_history.size() >= 10000) {
+            m_history.erase(m_history.begin());
+            if (m_pos != kEnd && m_pos != 0) {
+                --m_pos;
+            }
+        }
+        if (!m_line.empty()) {
+            m_history.push_back(m_line);
+        }
+        if (m_line.size() >= 1024) {
+            return {Result::kNull, ""};
+        }
+        Result entered = {Result::kLine, m_line};
+        m_line.clear();
+        m_pos = kEnd;
+        return entered;
+    }
+
+    const uint8_t* m_data;
+    size_t m_size;
+    size_t m_at = 0;
+    std::string m_line;
+    std::vector<std::string> m_history;
+    // The entry last recalled, or kEnd; it stays put when an entry is added.
+    static constexpr size_t kEnd = SIZE_MAX;
+    size_t m_pos = kEnd;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    QuietStdout();
+    for (int i = 0; i < 300; ++i) {
+        char name[16];
+        std::snprintf(name, sizeof name, "%s%03d", i % 3 == 0 ? "tune" : i % 3 == 1 ? "tuner_" : "scan", i);
+        g_manyNames.push_back(name);
+    }
+    for (const std::string& name : g_manyNames) {
+        g_manyList.push_back(name.c_str());
+    }
+    g_groups = {{kModWords, sizeof kModWords / sizeof *kModWords},
+                {kVideoCmds, sizeof kVideoCmds / sizeof *kVideoCmds},
+                {kNoCmds, 0},
+                {g_manyList.data(), static_cast<unsigned int>(g_manyList.size())}};
+    g_keys = memfd_create("line_editor_fuzz_keys", 0);
+    FUZZ_CHECK(g_keys >= 0);
+    FUZZ_CHECK(dup2(g_keys, STDIN_FILENO) == STDIN_FILENO);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    // Descriptor 0 shares the file and its offset; stdin's buffer is empty,
+    // as every input is read to its end.
+    FUZZ_CHECK(ftruncate(g_keys, 0) == 0);
+    FUZZ_CHECK(size == 0 || pwrite(g_keys, data, size, 0) == static_cast<ssize_t>(size));
+    FUZZ_CHECK(lseek(g_keys, 0, SEEK_SET) == 0);
+    clearerr(stdin);
+
+    ZoStream stream;
+    stream.Init();
+    RegisterAll(stream);
+    Model model(data, size);
+    for (;;) {
+        const char* got = stream.Gets();
+        const Result expected = model.Next();
+        switch (expected.kind) {
+        case Result::kLine:
+            // Bytes after a NUL are not copied into the returned line.
+            FUZZ_CHECK(got != nullptr && std::strcmp(got, expected.line.c_str()) == 0);
+            break;
+        case Result::kTab:
+            FUZZ_CHECK(got != nullptr && std::strcmp(got, "TAB") == 0);
+            break;
+        case Result::kNull:
+            FUZZ_CHECK(got == nullptr);
+            break;
+        }
+        if (got == nullptr && model.AtEnd()) {
+            FUZZ_CHECK(std::getchar() == EOF);
+            return 0;
+        }
+    }
+}
