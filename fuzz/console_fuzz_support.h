@@ -16,6 +16,7 @@
 #include <ftw.h>
 #include <unistd.h>
 
+#include "fuzz_quiet.h"
 #include "zo_cmd_debug.h"
 #include "zo_file_parse.h"
 #include "zo_tv_support.h"
@@ -36,10 +37,7 @@ constexpr const char* kCmdWord = "run";
 // Everything the code under test prints goes nowhere; so do log records.
 inline void Silence()
 {
-    if (std::freopen("/dev/null", "w", stdout) == nullptr) {
-        std::perror("freopen /dev/null");
-        std::exit(1);
-    }
+    QuietStdout();
     ZoLog::SetSink([](const ZoLogRecord&) {});
 }
 
