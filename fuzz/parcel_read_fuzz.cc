@@ -78,10 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     FUZZ_CHECK(length == 0 || std::memcmp(parcel.data(), bytes, length) == 0);
 
     for (size_t i = 0; i < readers; ++i) {
-        uint8_t letter = letters[i];
-        if (std::memchr("dDfFs", letter, 5) == nullptr) {
-            letter = static_cast<uint8_t>("dDfFs"[letter % 5]);
-        }
+        const uint8_t letter = std::memchr("dDfFs", letters[i], 5) != nullptr ? letters[i] : "dDfFs"[letters[i] % 5];
         switch (letter) {
         case 'd': CheckNumber(parcel, bytes, length, &Parcel::readInt32); break;
         case 'D': CheckNumber(parcel, bytes, length, &Parcel::readInt64); break;

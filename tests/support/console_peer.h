@@ -54,6 +54,7 @@ public:
     }
 
     ZoCmdDebug& Get() { return m_console; }
+    const TempDir& Dir() const { return m_dir; }
 
 private:
     static std::string Key(const char* key, const std::string& value)
