@@ -32,10 +32,12 @@ using Clock = std::chrono::steady_clock;
 template <typename Cond>
 bool WaitFor(Cond cond, std::chrono::milliseconds timeout = std::chrono::milliseconds(3000))
 {
-    for (const auto deadline = Clock::now() + timeout; !cond(); std::this_thread::sleep_for(std::chrono::milliseconds(1))) {
+    const auto deadline = Clock::now() + timeout;
+    while (!cond()) {
         if (Clock::now() >= deadline) {
             return false;
         }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
 }

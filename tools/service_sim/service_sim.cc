@@ -34,7 +34,8 @@ void ServiceSim::ServeOne(const volatile sig_atomic_t& stop)
     const uint32_t size = ShmLoadSize(page);
     DecodedRequest request;
     if (size > SHM_DATA_SIZE) {
-        request.line = "bad request: u32Size " + std::to_string(size) + " is more than " + std::to_string(SHM_DATA_SIZE);
+        request.line =
+            "bad request: u32Size " + std::to_string(size) + " is more than " + std::to_string(SHM_DATA_SIZE);
     } else {
         request = DecodeRequest(std::vector<uint8_t>(ShmPayloadOf(page), ShmPayloadOf(page) + size), m_index);
     }

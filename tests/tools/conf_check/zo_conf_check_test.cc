@@ -1,11 +1,8 @@
 // zo_conf_check run as a program: each catalogue and the diagnostics it gets.
 #include <fstream>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include <fcntl.h>
-
 #include <gtest/gtest.h>
 
 #include "child_program.h"
@@ -14,12 +11,6 @@
 namespace
 {
 
-struct Outcome {
-    int status;  // exit status, or -1 when the program did not exit
-    std::string out;
-    std::string err;
-};
-
 std::string Slurp(const std::string& path)
 {
     std::stringstream text;
@@ -27,20 +18,31 @@ std::string Slurp(const std::string& path)
     return text.str();
 }
 
-Outcome Check(const TempDir& dir, const std::vector<std::string>& args)
+// Runs the checker with args; its exit status (-1 when it did not exit), and out and err in dir.
+int Check(const TempDir& dir, std::vector<std::string> args)
 {
-    std::vector<std::string> argv{ZO_CONF_CHECK_PATH};
-    argv.insert(argv.end(), args.begin(), args.end());
+    args.insert(args.begin(), ZO_CONF_CHECK_PATH);
     const int out = open(dir.File("out").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     const int err = open(dir.File("err").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    const int status = WaitChild(SpawnChild(argv, -1, out, err));
+    const int status = WaitChild(SpawnChild(args, -1, out, err));
     close(out);
     close(err);
-    return Outcome{WIFEXITED(status) ? WEXITSTATUS(status) : -1, Slurp(dir.File("out")), Slurp(dir.File("err"))};
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-const char kMod[] = "[M]\ncommand = m\ninstruction = 0x10\n";
-const char kCmd[] = "[c]\ncommand = c\nbelong module = M\ninstruction = 0x11\n";
+std::string Mod(const std::string& name, const std::string& word, const std::string& code)
+{
+    return "[" + name + "]\ncommand = " + word + "\ninstruction = " + code + "\n";
+}
+
+std::string Cmd(const std::string& word, const std::string& module, const std::string& code, const char* keys = "")
+{
+    return "[" + word + "]\ncommand = " + word + "\nbelong module = " + module + "\ninstruction = " + code + "\n" +
+           keys;
+}
+
+const std::string kMod = Mod("M", "m", "0x10");
+const std::string kCmd = Cmd("c", "M", "0x11");
 
 }  // namespace
 
@@ -56,12 +58,12 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
         {Slurp(ZO_EXAMPLES_DIR "/mods.conf"), Slurp(ZO_EXAMPLES_DIR "/cmds.conf"),
          {"cmds.conf:37: warning: \"para format\" 'dS': the letter S is not supported", "0 errors, 1 warning"}},
         // Rows the reader passes over or cuts.
-        {std::string("instruction = 0x5\n") + kMod + "# keys end here\ndescription = d\n",
+        {"instruction = 0x5\n" + kMod + "# keys end here\ndescription = d\n",
          "[c]\ncommand = c\nbelong module = M\nprint tags = a\nprint tags = b\nInstruction = 0x11\ninstruction = 0x11\n"
          "[d]\ncommand = d\n \nbelong module = M\n[e]\ncommand = e\nbelong module = M\ninstruction = zz\n"
          "description = " + std::string(255, 'x') + "\n[" + std::string(260, 'T') + "]\n" +
              std::string("[f]\ncommand = f\0x\n", 18) + std::string(256, 'k') + "= v\n",
-         {"cmds.conf:1: error: command 'c' has no \"instruction\"", "cmds.conf:5: warning: \"print tags\" is given again",
+         {"cmds.conf:1: error: command 'c' has no \"instruction\"", "cmds.conf:5: warning: \"print tags\" is given",
           "cmds.conf:5: warning: \"print tags\" without a", "cmds.conf:6: error: 'Instruction' is no key of cmds.conf",
           "cmds.conf:7: error: \"instruction\" row outside a block is ignored (block 'c' (line 1) ended at line 6)",
           "cmds.conf:8: error: command 'd' has no \"belong", "cmds.conf:10: error: a row of blanks only ends block",
@@ -74,38 +76,34 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
           "mods.conf:5: error: this row is no key row and ends", "mods.conf:6: error: \"description\" row outside",
           "15 errors, 2 warnings"}},
         // Blocks the catalogue drops, and why.
-        {std::string(kMod) + "[M]\ncommand = other\ninstruction = 0x30\n[Shared]\ncommand = s\ninstruction = 0x10\n"
-                             "[Mute]\ncommand = mute\n",
-         std::string(kCmd) + "[c2]\ncommand = c\nbelong module = Shared\ninstruction = 0x12\n"
-                             "[w]\ncommand = w\nbelong module = m\ninstruction = 0x13\n"
-                             "[x]\ncommand = x\nbelong module = Mute\ninstruction = 0x14\n",
+        {kMod + Mod("M", "other", "0x30") + Mod("Shared", "s", "0x10") + "[Mute]\ncommand = mute\n",
+         kCmd + "[c2]\ncommand = c\nbelong module = Shared\ninstruction = 0x12\n" + Cmd("w", "m", "0x13") +
+             Cmd("x", "Mute", "0x14"),
          {"cmds.conf:5: error: command 'c' is already defined at line 1 by module 'M', which shares the code 0x10",
           "cmds.conf:11: error: no module 'm' in mods.conf: command 'w' is dropped ('m' is the word of module 'M'",
           "cmds.conf:15: error: module 'Mute' has no instruction code", "mods.conf:4: error: module 'M' is already",
           "mods.conf:7: warning: module 'Shared' holds no", "mods.conf:9: error: module 'Shared' has the instruction",
           "mods.conf:10: error: module 'Mute' has no \"instruction\"", "6 errors, 1 warning"}},
         // Words and codes that collide.
-        {std::string(kMod) + "[N]\ncommand = m\ninstruction = 0x20\n[Q]\ncommand = Quit\ninstruction = 0x30\n",
-         std::string(kCmd) + "[d]\ncommand = d\nbelong module = M\ninstruction = 0x11\n"
-                             "[e]\ncommand = e\nbelong module = N\ninstruction = 0x11\n"
-                             "[f]\ncommand = m\nbelong module = N\ninstruction = 0x21\n"
-                             "[g]\ncommand = g h\nbelong module = Q\ninstruction = 0x31\n",
+        {kMod + Mod("N", "m", "0x20") + Mod("Q", "Quit", "0x30"),
+         kCmd + Cmd("d", "M", "0x11") + Cmd("e", "N", "0x11") + "[f]\ncommand = m\nbelong module = N\n" +
+             Cmd("g h", "Q", "0x31"),
          {"cmds.conf:8: error: the instruction code 0x11 of command 'd' is also the code of command 'c' (line 1) in",
           "cmds.conf:12: warning: the instruction code 0x11 of command 'e' is also the code of command 'c' (line 1) of",
+          "cmds.conf:13: error: command 'm' has no \"instruction\"",
           "cmds.conf:14: warning: the command word 'm' is also the word of module 'M'",
           "cmds.conf:14: warning: the command word 'm' is also the word of module 'N'",
-          "cmds.conf:18: error: the command word 'g h' holds white",
+          "cmds.conf:17: error: the command word 'g h' holds white",
           "mods.conf:5: error: the word 'm' of module 'N' is also the word of module 'M' (line 1): typing it enters "
-          "module 'M'", "mods.conf:8: error: the word 'Quit' of module 'Q'", "4 errors, 3 warnings"}},
+          "module 'M'", "mods.conf:8: error: the word 'Quit' of module 'Q'", "5 errors, 3 warnings"}},
         // Format letters and print tags.
         {kMod,
-         "[a]\ncommand = a\nbelong module = M\ninstruction = 1\npara format = d d\nprint format = dS\nprint tags = x,y\n"
-         "[b]\ncommand = b\nbelong module = M\ninstruction = 2\npara format = dS\nprint format = dqd\nprint tags = x\n"
-         "[e]\ncommand = e\nbelong module = M\ninstruction = 4\nprint format = d\nprint tags = x,\n"
-         "[f]\ncommand = f\nbelong module = M\ninstruction = 5\nprint format = d\n",
+         Cmd("a", "M", "1", "para format = d d\nprint format = dS\nprint tags = x,y\n") +
+             Cmd("b", "M", "2", "para format = dS\nprint format = dqd\nprint tags = x\n") +
+             Cmd("e", "M", "4", "print format = d\nprint tags = x,\n") + Cmd("f", "M", "5", "print format = d\n"),
          {"cmds.conf:5: error: \"para format\" 'd d': ' ' is no format letter (d D f F s S)",
           "cmds.conf:6: warning: \"print format\" 'dS': the letter S", "cmds.conf:12: warning: \"para format\" 'dS'",
-          "cmds.conf:13: error: \"print format\" 'dqd': 'q' is no format", "cmds.conf:14: error: \"print tags\" has 1 label",
+          "cmds.conf:13: error: \"print format\" 'dqd': 'q' is no", "cmds.conf:14: error: \"print tags\" has 1 label",
           "cmds.conf:20: warning: \"print tags\" has 2 labels", "cmds.conf:20: warning: \"print tags\": label 2 is",
           "cmds.conf:25: error: \"print format\" 'd' has no \"print tags", "4 errors, 4 warnings"}},
     };
@@ -113,16 +111,16 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
         TempDir dir;
         dir.Write("mods.conf", c.mods);
         dir.Write("cmds.conf", c.cmds);
-        const Outcome run = Check(dir, {dir.Path()});
-        std::istringstream lines(run.out);
+        const int status = Check(dir, {dir.Path()});
+        std::istringstream lines(Slurp(dir.File("out")));
         std::string line;
         for (const std::string& expected : c.report) {
             std::getline(lines, line);
             const std::string shown = expected.find(':') < expected.find(' ') ? dir.File(expected) : expected;
-            EXPECT_EQ(shown, line.substr(0, shown.size())) << run.out;
+            EXPECT_EQ(shown, line.substr(0, shown.size()));
         }
-        EXPECT_FALSE(std::getline(lines, line)) << run.out;
-        EXPECT_EQ(c.report.back().compare(0, 8, "0 errors") == 0 ? 0 : 1, run.status) << run.out;
+        EXPECT_FALSE(std::getline(lines, line)) << line;
+        EXPECT_EQ(c.report.back().compare(0, 8, "0 errors") == 0 ? 0 : 1, status) << c.report.back();
     }
 }
 
@@ -131,14 +129,13 @@ TEST(ZoConfCheck, QuietAndUnreadable)
     TempDir dir;
     dir.Write("mods.conf", "");
     dir.Write("cmds.conf", kCmd);
-    Outcome run = Check(dir, {"--quiet", dir.Path() + "/"});
-    EXPECT_EQ("2 errors, 0 warnings\n", run.out);  // the empty file, and the command it leaves without a module
-    EXPECT_EQ(1, run.status);
-    run = Check(dir, {dir.File("none")});
+    EXPECT_EQ(1, Check(dir, {"--quiet", dir.Path() + "/"}));
+    EXPECT_EQ("2 errors, 0 warnings\n", Slurp(dir.File("out")));  // the empty file, and a command without module
+    EXPECT_EQ(2, Check(dir, {dir.File("none")}));
     EXPECT_EQ("zo_conf_check: cannot read " + dir.File("none/mods.conf") + ": No such file or directory\n" +
                   "zo_conf_check: cannot read " + dir.File("none/cmds.conf") + ": No such file or directory\n",
-              run.err);
-    EXPECT_EQ(2, run.status);
-    EXPECT_EQ(2, Check(dir, {}).status);
-    EXPECT_EQ("usage: zo_conf_check DIR [--quiet]\n", Check(dir, {dir.Path(), "--loud"}).err);
+              Slurp(dir.File("err")));
+    EXPECT_EQ(2, Check(dir, {}));
+    EXPECT_EQ(2, Check(dir, {dir.Path(), "--loud"}));
+    EXPECT_EQ("usage: zo_conf_check DIR [--quiet]\n", Slurp(dir.File("err")));
 }
