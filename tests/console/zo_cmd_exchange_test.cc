@@ -44,13 +44,9 @@ TEST(CopyCmdToBuf, EachRequestGetsItsOwnReplyPrintedOrRefused)
         {{"--size", "4089"}, "count", -1, "", "count"},
         {{"--size", "0xffffffff"}, "count", -1, "", "count"},
     };
-    const std::vector<std::string>* running = nullptr;
     for (const auto& c : cases) {
-        if (running == nullptr || *running != c.options) {
-            ASSERT_TRUE(sim.Start(c.options)) << sim.Errors();
-            g_pShareMem = sim.Page();
-            running = &c.options;
-        }
+        ASSERT_TRUE(sim.Use(c.options)) << sim.Errors();
+        g_pShareMem = sim.Page();
         const std::string cmd = c.line.substr(0, c.line.find(' '));
         android::Parcel request;
         std::istringstream args(c.line.substr(cmd.size()) + " ");

@@ -49,10 +49,12 @@ public:
     ~SimProcess() { Stop(); }
 
     // Starts the simulator on dir with these options; true once its page is mapped.
-    bool Start(std::vector<std::string> options = {})
+    bool Start(const std::vector<std::string>& options = {})
     {
-        options.insert(options.begin(), dir.Path());
-        Spawn(options);
+        std::vector<std::string> args = options;
+        args.insert(args.begin(), dir.Path());
+        Spawn(args);
+        m_options = options;
         struct stat st {};
         const std::string path = dir.File(".tv");
         const int fd = WaitFor([&] { return stat(path.c_str(), &st) == 0 && st.st_size >= off_t(SHM_SIZE); }, Ms(10000))
@@ -62,6 +64,11 @@ public:
         close(fd);
         m_page = page == MAP_FAILED ? nullptr : page;
         return m_page != nullptr;
+    }
+    // Starts it unless it runs with these options already.
+    bool Use(const std::vector<std::string>& options)
+    {
+        return (m_page != nullptr && m_options == options) || Start(options);
     }
     // The wait status of a whole run with exactly these arguments.
     int Run(const std::vector<std::string>& args)
@@ -157,6 +164,7 @@ private:
     pid_t m_pid = -1;
     int m_pipe = -1;
     void* m_page = nullptr;
+    std::vector<std::string> m_options;
     std::string m_out;
 };
 

@@ -102,7 +102,7 @@ bool ParseSimOptions(int argc, char* const argv[], SimOptions& opts, std::string
             ++faultModes;
         } else if (arg == "--garbage") {
             if (!ParseUnsigned(text, SHM_DATA_SIZE - 4, n)) {
-                error = "--garbage takes a byte count (0 to 4084)";
+                error = "--garbage takes a byte count (0 to " + std::to_string(SHM_DATA_SIZE - 4) + ")";
                 return false;
             }
             opts.garbage = true;

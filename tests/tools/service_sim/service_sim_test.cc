@@ -56,12 +56,8 @@ TEST(ServiceSim, DecodesEachRequestAndAnswersIt)
         {{"--size", "4294967295"}, kCount, 0, "count", "00000000 2a000000", 0xffffffff},
         {{"--garbage", "8"}, kCount, 0, "count", "00000000 f74affd8 1ee5d665", 0},  // the same bytes every run
     };
-    const std::vector<std::string>* running = nullptr;
     for (const auto& c : cases) {
-        if (running == nullptr || *running != c.options) {
-            ASSERT_TRUE(sim.Start(c.options)) << sim.Errors();
-            running = &c.options;
-        }
+        ASSERT_TRUE(sim.Use(c.options)) << sim.Errors();
         const Bytes request = FromHex(c.request);
         sim.Post(request, c.size != 0 ? c.size : uint32_t(request.size()));
         EXPECT_EQ(c.line, sim.ReadLine());
