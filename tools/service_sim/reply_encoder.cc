@@ -69,7 +69,7 @@ bool AppendValue(char letter, const std::string& text, android::Parcel& reply)
         return reply.writeDouble(v) == android::NO_ERROR;
     }
     case 's': {
-        // String16 turns invalid UTF-8 into an empty text; refuse that rather than send it.
+        // String16 gives an empty text for UTF-8 whose last sequence is cut off; refuse that rather than send it.
         const android::String16 units(text.c_str(), text.size());
         if (units.size() == 0 && !text.empty()) {
             return false;
