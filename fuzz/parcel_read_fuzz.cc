@@ -7,8 +7,7 @@
 //
 // Checked besides memory safety: the read position stays within the data and
 // never moves back; a number is the bytes at the position as they stand, or 0
-// with the position unmoved when they do not fit; a string that converts to
-// UTF-8 converts back to the same units.
+// with the position unmoved when they do not fit.
 #include <binder/Parcel.h>
 #include <utils/String8.h>
 
@@ -49,12 +48,8 @@ void CheckString(const Parcel& parcel)
     FUZZ_CHECK(after >= before);
     // The count, the units and their terminator all came from the data.
     FUZZ_CHECK(text.size() == 0 || after - before >= 4 + (text.size() + 1) * sizeof(char16_t));
-    FUZZ_CHECK(text.c_str()[text.size()] == 0);
-
+    FUZZ_CHECK(text.string()[text.size()] == 0);
     const String8 utf8(text);
-    if (utf8.size() != 0) {
-        FUZZ_CHECK(String16(utf8.c_str(), utf8.size()) == text);
-    }
 }
 
 }  // namespace

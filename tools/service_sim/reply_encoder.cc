@@ -64,7 +64,7 @@ bool AppendValue(char letter, const std::string& text, android::Parcel& reply)
         }
         break;
     case ZoFormatKind::kText:
-        // String16 turns invalid UTF-8 into an empty text; refuse that rather than send it.
+        // String16 gives an empty text for UTF-8 whose last sequence is cut off; refuse that rather than send it.
         parsed = text.empty() || android::String16(text.c_str(), text.size()).size() != 0;
         value.text = text;
         break;
