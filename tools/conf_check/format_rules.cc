@@ -26,7 +26,8 @@ void CheckLetters(const std::string& path, int row, const char* key, const std::
             letters += std::string(letters.empty() ? "" : " ") + *letter;
         }
         diagnostics.Error(path, row,
-                          what + ": " + ShownByte(format[bad]) + " is no format letter (" + letters + "): " + consequence);
+                          what + ": " + ShownByte(format[bad]) + " is no format letter (" + letters +
+                              "): " + consequence);
     } else if (unsupported != format.end()) {
         diagnostics.Warning(path, row,
                             what + ": the letter " + *unsupported + " is not supported: " + sConsequence);
