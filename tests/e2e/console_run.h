@@ -43,7 +43,7 @@ public:
     // Starts the console on the directory; what it printed before its first prompt.
     std::string StartConsole(const PtySession::Options& options = {})
     {
-        return m_pty.Start(ZO_CMD_DEBUG_HOST_PATH, {Dir().Path()}, options) ? Type("") : "<no start> " + m_pty.Error();
+        return m_pty.Start(ZO_CMD_DEBUG_HOST_PATH, {Dir().Path()}, options) ? Type("") : "<no start>";
     }
 
     // Sends keys ("\n" is Enter); the screen up to the next prompt, without it and without carriage returns.

@@ -67,7 +67,7 @@ TEST(ZoStream, KeysHistoryAndCompletionOnTheScreenAndInTheLine)
     for (const auto& c : cases) {
         PtySession pty;
         std::string screen;
-        ASSERT_TRUE(pty.Start(LINE_EDITOR_DRIVER, c.groups) && pty.WaitFor("TV $")) << pty.Error();
+        ASSERT_TRUE(pty.Start(LINE_EDITOR_DRIVER, c.groups) && pty.WaitFor("TV $")) << pty.Screen();
         ASSERT_TRUE(pty.Write(c.keys + "quit\n") && pty.WaitFor("reset 0\r\n", &screen)) << pty.Screen();
         const bool ends = c.screen.find("reset 0\n") != std::string::npos;
         EXPECT_EQ(OnTerminal(c.screen + (ends ? "" : "quit\n\r<<quit>>\nreset 0\n")), screen) << c.keys;
@@ -132,7 +132,7 @@ TEST(ZoStream, RawModeIsExactlyThatAndOnlyReadSettingsAreRestored)
         options.stdinPath = c.file.empty() ? "" : dir.Write("keys", c.file);
         PtySession pty;
         std::string screen;
-        ASSERT_TRUE(pty.Start(c.driver, {"--hold"}, options) && pty.WaitFor("TV $", &screen)) << pty.Error();
+        ASSERT_TRUE(pty.Start(c.driver, {"--hold"}, options) && pty.WaitFor("TV $", &screen)) << pty.Screen();
         EXPECT_EQ(OnTerminal(c.first + "TV $"), screen);
         struct termios now;
         ASSERT_EQ(0, pty.GetAttr(&now));
