@@ -1,4 +1,4 @@
-// Captures the log records written while it lives, instead of sending them to syslog.
+// Captures the log records written while it lives, instead of sending them to syslog. One thread only.
 #ifndef ZO_TESTS_SUPPORT_LOG_CAPTURE_H
 #define ZO_TESTS_SUPPORT_LOG_CAPTURE_H
 
@@ -8,15 +8,11 @@
 
 class LogCapture {
 public:
-    LogCapture()
-    {
-        ZoLog::SetSink([this](const ZoLogRecord& record) { m_records.push_back(record); });
-    }
+    LogCapture() { ZoLog::SetSink([this](const ZoLogRecord& record) { m_records.push_back(record); }); }
     ~LogCapture() { ZoLog::SetSink(nullptr); }
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    // Records from the capturing thread; read them on that thread.
     const std::vector<ZoLogRecord>& Records() const { return m_records; }
 
 private:

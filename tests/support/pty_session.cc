@@ -44,7 +44,7 @@ bool PtySession::Start(const std::string& program, const std::vector<std::string
         }
         _exit(127);
     }
-    return m_pid > 0 && fcntl(m_master, F_SETFL, O_NONBLOCK) == 0;
+    return m_pid > 0;
 }
 
 bool PtySession::ReadSome(int timeoutMs)
@@ -56,22 +56,13 @@ bool PtySession::ReadSome(int timeoutMs)
     char buffer[4096];
     const ssize_t n = read(m_master, buffer, sizeof buffer);
     m_screen.append(buffer, n > 0 ? static_cast<size_t>(n) : 0);
-    m_closed = n == 0 || (n < 0 && errno != EAGAIN && errno != EINTR);  // EIO once the program is gone
+    m_closed = n == 0 || (n < 0 && errno != EINTR);  // EIO once the program is gone
     return !m_closed;
 }
 
 bool PtySession::Write(const std::string& bytes)
 {
-    const auto deadline = Clock::now() + std::chrono::seconds(5);
-    for (size_t sent = 0; sent < bytes.size();) {
-        const ssize_t n = write(m_master, bytes.data() + sent, bytes.size() - sent);
-        if (n < 0 && (errno != EAGAIN || MsLeft(deadline) == 0)) {
-            return false;
-        }
-        sent += n > 0 ? static_cast<size_t>(n) : 0;
-        ReadSome(n > 0 ? 0 : 1);  // the program may wait for its output to be read before it reads on
-    }
-    return true;
+    return write(m_master, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
 }
 
 bool PtySession::WaitFor(const std::string& text, std::string* upTo, int timeoutMs)

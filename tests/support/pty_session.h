@@ -28,7 +28,7 @@ public:
 
     // False when the terminal could not be made; a program that cannot be started ends with status 127.
     bool Start(const std::string& program, const std::vector<std::string>& args, const Options& options = Options());
-    // Sends keys, reading the screen meanwhile so that a long paste cannot dead-lock.
+    // Sends keys. It blocks while the terminal's input buffer (4 KB) is full: keep pastes shorter.
     bool Write(const std::string& bytes);
     // Consumes the screen up to and including the first text (stored in *upTo); false on time-out or when the
     // terminal closed first.
