@@ -36,8 +36,8 @@ std::string Tables(const ZoFileParse& parse)
 
 const std::string kMissing = "<no file>";
 const std::string kM = "[M]\ncommand = m\ninstruction = 0x10\n";  // a module for the commands
-const std::string kLong = std::string(300, 'x') + "\n";
-const std::string kLongTitle = "str size:300 too large, max len:256\n";
+const std::string kLong = std::string(256, 'x') + "\n";
+const std::string kLongTitle = "str size:256 too large, max len:256\n";
 const std::string kLongKey = "str size:259 too large, max len:256\n";
 const std::string kV254 = std::string(254, 'v');
 const std::string kV255 = std::string(255, 'v');
@@ -57,9 +57,9 @@ TEST(ZoFileParse, RowsBecomeTablesAndMessages)
          "A||1|\n |-1||||\nLast||-1|\n"},
         {"titles are trimmed, their names are not", "[ tv ]\ninstruction = 1\n  [x]\t\n[]\n[\n[y] z\ninstruction = 2\n",
          "[c]\ncommand = c\nbelong module = tv\n", "", "||-1|\n tv ||1|\nx||-1|\n"},
-        {"a long title row is reported each time it is read",
-         kLong + "[A]\ncommand = a\n" + kLong + "instruction = 1\n", "[x]\n", kLongTitle + kLongTitle + kLongTitle,
-         "A|a|-1|\n"},
+        {"a title row of 255 characters; a longer one is reported each time it is read",
+         kLong + "[A]\ncommand = a\n" + kLong + "instruction = 1\n[" + std::string(253, 't') + "]\n", "[x]\n",
+         kLongTitle + kLongTitle + kLongTitle, "A|a|-1|\n" + std::string(253, 't') + "||-1|\n"},
         {"the reader cuts a row at 4096 bytes", std::string(5000, '[') + "\n", "[x]\n",
          "str size:4096 too large, max len:256\n", ""},
         {"key parts of 255 and 256 characters",

@@ -17,10 +17,10 @@ TEST(ConsoleStartup, MissingCatalogueIsReportedAndTheConsoleStillRuns)
 TEST(ConsoleStartup, ShortSwapFileOrWrongArgumentsEndTheProgram)
 {
     ConsoleRun page;
-    page.Dir().Write(".tv", std::string(100, '\0'));
+    page.Dir().Write(".tv", std::string(4095, '\0'));
     const std::string dir = page.Dir().Path();
     const struct { std::vector<std::string> args; const char* exit; std::string screen; } cases[] = {
-        {{dir}, "exit 1", "swap file " + dir + "/.tv is 100 bytes long, it needs at least 4096 bytes: start the "
+        {{dir}, "exit 1", "swap file " + dir + "/.tv is 4095 bytes long, it needs at least 4096 bytes: start the "
                           "service first\r\n"},
         {{}, "exit 2", "usage: "},
     };

@@ -25,7 +25,7 @@ std::string Hex(const Parcel& parcel)
 std::string Read(const std::vector<uint8_t>& bytes, const std::string& letters)
 {
     Parcel parcel;
-    parcel.writeInt32(99);
+    parcel.writeInt32(99), parcel.readInt32();
     std::vector<uint8_t> copy = bytes;
     parcel.setData(copy.data(), copy.size());  // copies and restarts reading
     copy.assign(copy.size(), 0xee);
