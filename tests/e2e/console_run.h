@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "pty_session.h"
-#include "sim_harness.h"
+#include "sim_process.h"
 
 class ConsoleRun {
 public:
@@ -69,7 +69,7 @@ public:
     PtySession& Pty() { return m_pty; }
 
 private:
-    Sim m_sim;
+    SimProcess m_sim;
     PtySession m_pty;  // after m_sim: the console ends before its service
 };
 
