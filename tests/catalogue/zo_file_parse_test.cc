@@ -96,8 +96,8 @@ TEST(ZoFileParse, FailedFilesAreReportedInOrderAndBothAreRead)
     mkdir(dir.File("x/cmds.conf").c_str(), 0700);
     ZoFileParse folders;
     EXPECT_EQ(InitCaptured(folders, dir.File("x")),
-              "file path error or open file failure\nParseModules fail\nfile path error or open file failure\n"
-              "ParseCmds fail\n");
+              dir.File("x/mods.conf") + " is not a regular file\nfile path error or open file failure\nParseModules fail\n" +
+                  dir.File("x/cmds.conf") + " is not a regular file\nfile path error or open file failure\nParseCmds fail\n");
 }
 
 TEST(ZoFileParse, ThousandsOfModulesAndCommands)

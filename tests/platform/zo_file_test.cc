@@ -1,10 +1,17 @@
 #include "zo_tv_support.h"
 
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "stdout_capture.h"
 #include "temp_dir.h"
 
 namespace {
@@ -18,17 +25,50 @@ std::vector<std::string> AllRows(const ZoFile& file)
     return rows;
 }
 
-TEST(ZoFile, SplitsAtLineFeedsKeepingCarriageReturns)
+TEST(ZoFile, RowsOfAFileAndRefusals)
 {
-    TempDir dir;
-    const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
-        {"one\r\n\ntwo\nlast", {"one\r", "", "two", "last"}}, {"x\n", {"x"}}, {"\n", {""}}, {"", {}}};
-    for (const auto& c : cases) {
+    enum Outcome { kRows, kFails, kRefused };  // kRefused: with a line naming what is not a regular file
+    struct Case {
+        const char* what;
+        std::string (*make)(const TempDir&);  // returns the path to read
+        const char* mode;
+        Outcome outcome;
+        std::vector<std::string> rows;
+    };
+    const Case cases[] = {
+        {"lines", [](const TempDir& d) { return d.Write("f", "one\r\n\ntwo\nlast"); }, "r", kRows,
+         {"one\r", "", "two", "last"}},
+        {"final line feed", [](const TempDir& d) { return d.Write("f", "x\n"); }, "r", kRows, {"x"}},
+        {"one line feed", [](const TempDir& d) { return d.Write("f", "\n"); }, "r", kRows, {""}},
+        {"0 bytes", [](const TempDir& d) { return d.Write("f", ""); }, "r", kRows, {}},
+        {"binary and over-long",
+         [](const TempDir& d) {
+             return d.Write("f", std::string("a\0b\xff\n", 5) + std::string(ZoFile::kMaxRowLength + 100, 'x') +
+                                     "\nafter");
+         },
+         "r", kRows, {std::string("a\0b\xff", 4), std::string(ZoFile::kMaxRowLength, 'x'), "after"}},
+        {"missing", [](const TempDir& d) { return d.File("nope"); }, "r", kFails, {}},
+        {"write mode", [](const TempDir& d) { return d.Write("f", "x\n"); }, "w", kFails, {}},
+        {"directory", [](const TempDir& d) { return d.Path(); }, "r", kRefused, {}},
+        {"FIFO",
+         [](const TempDir& d) {
+             mkfifo(d.File("fifo").c_str(), 0600);
+             return d.File("fifo");
+         },
+         "r", kRefused, {}},
+        {"device", [](const TempDir&) { return std::string("/dev/urandom"); }, "r", kRefused, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempDir dir;
+        const std::string path = c.make(dir);
         ZoFile file;
-        ASSERT_EQ(file.Init(dir.Write("a", c.first), "r"), 0);
-        EXPECT_EQ(file.GetIOExceptionStatus(), 0);
-        EXPECT_EQ(file.IsEmpty(), c.first.empty());
-        EXPECT_EQ(AllRows(file), c.second) << c.first;
+        StdoutCapture out;
+        EXPECT_EQ(file.Init(path, c.mode), c.outcome == kRows ? 0 : -1);
+        EXPECT_EQ(out.Text(), c.outcome == kRefused ? path + " is not a regular file\n" : "");
+        EXPECT_EQ(file.GetIOExceptionStatus() != 0, c.outcome != kRows);
+        EXPECT_EQ(file.IsEmpty(), c.rows.empty());
+        EXPECT_EQ(AllRows(file), c.rows);
     }
 }
 
@@ -39,6 +79,8 @@ TEST(ZoFile, RollBackPutsBackTheLastRowOnce)
     file.Init(dir.Write("a", "1\n2\n"), "r");
     EXPECT_NE(file.RollBack(), 0);  // nothing delivered yet
     EXPECT_EQ(file.NextRow(), "1");
+    EXPECT_EQ(file.RollBack(), 0);
+    EXPECT_EQ(file.NextRow(), "1");
     EXPECT_EQ(file.NextRow(), "2");
     EXPECT_TRUE(file.IsEOF());
     EXPECT_EQ(file.RollBack(), 0);
@@ -48,35 +90,40 @@ TEST(ZoFile, RollBackPutsBackTheLastRowOnce)
     EXPECT_TRUE(file.IsEOF());
 }
 
-TEST(ZoFile, BinaryAndOverlongInputIsBounded)
+// Four million short rows: over 100 MB as strings. The reader takes them all
+// in a child whose address space may grow by 32 MB only.
+TEST(ZoFile, MemoryIsBoundedByARowNotByTheFile)
 {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the address sanitizer reserves more address space than any such limit";
+#endif
+    const size_t rowCount = 4000000;
+    std::string text;
+    for (size_t i = 0; i < rowCount; ++i) {
+        text += "ab\n";
+    }
     TempDir dir;
-    std::string bytes("a\0b\xff\n", 5);
-    bytes += std::string(ZoFile::kMaxRowLength + 100, 'x') + "\nafter";
-    ZoFile file;
-    file.Init(dir.Write("bin", bytes), "r");
-    const auto rows = AllRows(file);
-    ASSERT_EQ(rows.size(), 3u);
-    EXPECT_EQ(rows[0], std::string("a\0b\xff", 4));
-    EXPECT_EQ(rows[1], std::string(ZoFile::kMaxRowLength, 'x'));
-    EXPECT_EQ(rows[2], "after");
-}
-
-TEST(ZoFile, OpenFailuresAreReported)
-{
-    TempDir dir;
-    ZoFile missing;
-    EXPECT_NE(missing.Init(dir.File("nope"), "r"), 0);
-    EXPECT_NE(missing.GetIOExceptionStatus(), 0);
-    EXPECT_TRUE(missing.IsEOF());
-
-    ZoFile directory;
-    directory.Init(dir.Path(), "r");
-    EXPECT_NE(directory.GetIOExceptionStatus(), 0);
-
-    ZoFile writeMode;
-    writeMode.Init(dir.Write("w", "x"), "w");
-    EXPECT_NE(writeMode.GetIOExceptionStatus(), 0);
+    const std::string path = dir.Write("big", text);
+    const pid_t pid = fork();
+    if (pid == 0) {
+        long pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        const struct rlimit limit = {static_cast<rlim_t>(pages * sysconf(_SC_PAGESIZE)) + (32u << 20), RLIM_INFINITY};
+        setrlimit(RLIMIT_AS, &limit);
+        size_t rows = 0;
+        try {
+            ZoFile file;
+            file.Init(path, "r");
+            for (; !file.IsEOF(); ++rows) {
+                file.NextRow();
+            }
+        } catch (...) {  // std::bad_alloc from a reader that keeps the rows
+        }
+        _exit(rows == rowCount ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
 }  // namespace
