@@ -9,128 +9,101 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <memory>
 #include <string>
-#include <thread>
 
 #include "pty_session.h"
 #include "temp_dir.h"
 
 namespace {
 
-// One run of the console on a one-command catalogue, on a fresh terminal whose settings are known.
-class ConsoleOnPty {
-public:
+// The console on a one-command catalogue and a fresh terminal whose settings are known.
+struct ConsoleOnPty {
+    TempDir dir;
+    PtySession pty;
+    struct termios found {};
+
     ConsoleOnPty()
     {
-        m_dir.Write("mods.conf", "[Formats]\ncommand = fmt\ninstruction = 0x10\n");
-        m_dir.Write("cmds.conf", "[int]\ncommand = int\nbelong module = Formats\ninstruction = 0x11\npara format = d\n");
+        dir.Write("mods.conf", "[Formats]\ncommand = fmt\ninstruction = 0x10\n");
+        dir.Write("cmds.conf", "[int]\ncommand = int\nbelong module = Formats\ninstruction = 0x11\npara format = d\n");
     }
-    std::string Page() const { return m_dir.File(".tv"); }
-    void WritePage() const { m_dir.Write(".tv", std::string(4096, '\0')); }
-    PtySession& Pty() { return m_pty; }
-
+    std::string Page() const { return dir.File(".tv"); }
+    void WritePage() const { dir.Write(".tv", std::string(4096, '\0')); }
     bool Start()
     {
         PtySession::Options options;
-        options.initialTermios = &m_found;
-        return PtySession::DefaultTermios(&m_found) && m_pty.Start(ZO_CMD_DEBUG_HOST_PATH, {m_dir.Path()}, options);
+        options.initialTermios = &found;
+        return PtySession::DefaultTermios(&found) && pty.Start(ZO_CMD_DEBUG_HOST_PATH, {dir.Path()}, options);
     }
     // "exit N" or "signal N", with ", terminal raw" when the settings differ from those found.
     std::string End()
     {
         int status = 0;
-        if (!m_pty.WaitForExit(&status)) {
+        if (!pty.WaitForExit(&status)) {
             return "running";
         }
-        std::string how = WIFEXITED(status) ? "exit " + std::to_string(WEXITSTATUS(status))
-                                            : "signal " + std::to_string(WTERMSIG(status));
         struct termios now {};
-        const bool same = m_pty.GetAttr(&now) == 0 && now.c_iflag == m_found.c_iflag &&
-                          now.c_oflag == m_found.c_oflag && now.c_lflag == m_found.c_lflag &&
-                          std::memcmp(now.c_cc, m_found.c_cc, sizeof now.c_cc) == 0;
-        return same ? how : how + ", terminal raw";
+        const bool same = pty.GetAttr(&now) == 0 && now.c_iflag == found.c_iflag && now.c_oflag == found.c_oflag &&
+                          now.c_lflag == found.c_lflag && std::memcmp(now.c_cc, found.c_cc, sizeof now.c_cc) == 0;
+        return (WIFEXITED(status) ? "exit " + std::to_string(WEXITSTATUS(status))
+                                  : "signal " + std::to_string(WTERMSIG(status))) +
+               (same ? "" : ", terminal raw");
     }
-    // The whole screen, carriage returns taken out.
-    std::string Screen() const
-    {
-        std::string text = m_pty.Screen();
-        text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-        return text;
-    }
-
-private:
-    TempDir m_dir;
-    PtySession m_pty;
-    struct termios m_found {};
-};
-
-bool Exists(const std::string& path)
-{
-    struct stat info;
-    return lstat(path.c_str(), &info) == 0;
-}
-
-// Thread stacks as large as the address space: the console's signal thread cannot start.
-struct HugeThreadStacks {
-    struct rlimit saved {};
-    HugeThreadStacks()
-    {
-        getrlimit(RLIMIT_STACK, &saved);
-        struct rlimit huge = saved;
-        huge.rlim_cur = sizeof(void*) == 8 ? static_cast<rlim_t>(1) << 46 : static_cast<rlim_t>(3) << 30;
-        setrlimit(RLIMIT_STACK, &huge);
-    }
-    ~HugeThreadStacks() { setrlimit(RLIMIT_STACK, &saved); }
 };
 
 TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
 {
-    const std::string tooShort = " bytes long, it needs at least 4096 bytes: start the service first\n";
+    const std::string tooShort = " bytes long, it needs at least 4096 bytes: start the service first\r\n";
+    const std::string notRegular = ", not a regular file\r\n";
     struct Case {
         const char* what;
-        void (*setup)(const ConsoleOnPty&);
+        void (*setup)(const std::string& page);
         std::string message;  // PAGE stands for the swap file's path
         bool pageLeft;
-        bool hugeStacks;
     };
     const Case cases[] = {
-        {"missing: created, refused, removed", [](const ConsoleOnPty&) {}, "swap file PAGE is 0" + tooShort, false, false},
-        {"short", [](const ConsoleOnPty& r) { std::ofstream(r.Page()) << "x"; }, "swap file PAGE is 1" + tooShort, true, false},
-        {"directory", [](const ConsoleOnPty& r) { mkdir(r.Page().c_str(), 0700); },
-         "swap file PAGE is a directory, not a regular file\n", true, false},
-        {"FIFO", [](const ConsoleOnPty& r) { mkfifo(r.Page().c_str(), 0600); }, "swap file PAGE is a FIFO, not a regular file\n",
-         true, false},
-        {"device", [](const ConsoleOnPty& r) { (void)!symlink("/dev/null", r.Page().c_str()); },
-         "swap file PAGE is a character device, not a regular file\n", true, false},
-        {"not openable", [](const ConsoleOnPty& r) { (void)!symlink("gone/.tv", r.Page().c_str()); },
-         "can't open swap file PAGE, errno = 2\n", true, false},
-        {"no signal thread", [](const ConsoleOnPty& r) { r.WritePage(); },
-         "can't start the signal thread: Resource temporarily unavailable\n", true, true},
+        {"missing: created, refused, removed", [](const std::string&) {}, "swap file PAGE is 0" + tooShort, false},
+        {"short", [](const std::string& p) { std::ofstream(p) << "x"; }, "swap file PAGE is 1" + tooShort, true},
+        {"directory", [](const std::string& p) { mkdir(p.c_str(), 0700); }, "swap file PAGE is a directory" + notRegular,
+         true},
+        {"FIFO", [](const std::string& p) { mkfifo(p.c_str(), 0600); }, "swap file PAGE is a FIFO" + notRegular, true},
+        {"device", [](const std::string& p) { (void)!symlink("/dev/null", p.c_str()); },
+         "swap file PAGE is a character device" + notRegular, true},
+        {"not openable", [](const std::string& p) { (void)!symlink("gone/.tv", p.c_str()); },
+         "can't open swap file PAGE, errno = 2\r\n", true},
+        // Thread stacks as large as the address space: the signal thread cannot start.
+        {"no signal thread", nullptr, "can't start the signal thread: Resource temporarily unavailable\r\n", true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        if (c.hugeStacks && std::getenv("ZO_TEST_EMULATOR") != nullptr) {
+        if (c.setup == nullptr && std::getenv("ZO_TEST_EMULATOR") != nullptr) {
             continue;  // the emulator keeps stack limits to itself, so the thread starts there
         }
         ConsoleOnPty run;
-        c.setup(run);
-        {
-            std::unique_ptr<HugeThreadStacks> stacks(c.hugeStacks ? new HugeThreadStacks : nullptr);
-            ASSERT_TRUE(run.Start());
+        struct rlimit stack {};
+        getrlimit(RLIMIT_STACK, &stack);
+        struct rlimit huge = stack;
+        huge.rlim_cur = sizeof(void*) == 8 ? static_cast<rlim_t>(1) << 46 : static_cast<rlim_t>(3) << 30;
+        if (c.setup != nullptr) {
+            c.setup(run.Page());
+        } else {
+            run.WritePage();
+            setrlimit(RLIMIT_STACK, &huge);
         }
+        ASSERT_TRUE(run.Start());
+        setrlimit(RLIMIT_STACK, &stack);
+
         EXPECT_EQ("exit 1", run.End());
         std::string message = c.message;
         if (message.find("PAGE") != std::string::npos) {
             message.replace(message.find("PAGE"), 4, run.Page());
         }
-        EXPECT_EQ(message, run.Screen());
-        EXPECT_EQ(c.pageLeft, Exists(run.Page()));
+        EXPECT_EQ(message, run.pty.Screen());
+        struct stat info;
+        EXPECT_EQ(c.pageLeft, lstat(run.Page().c_str(), &info) == 0);
     }
 }
 
@@ -144,51 +117,33 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
         std::string end;
     };
     const Case cases[] = {
-        {SIGTERM, nullptr, "signal 15"},  {SIGHUP, nullptr, "signal 1"},
-        {SIGQUIT, "\x1c", "signal 3"},    {SIGPIPE, nullptr, "signal 13"},
-        {SIGINT, "\x03", "signal 9, terminal raw"},  // Ctrl-C: killed, as it always was
+        {SIGTERM, nullptr, "signal 15"}, {SIGHUP, nullptr, "signal 1"}, {SIGQUIT, "\x1c", "signal 3"},
+        {SIGPIPE, nullptr, "signal 13"}, {SIGINT, "\x03", "signal 9, terminal raw"},  // Ctrl-C, as it always was
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.signo);
         ConsoleOnPty run;
         run.WritePage();
         ASSERT_TRUE(run.Start());
-        ASSERT_TRUE(run.Pty().WaitFor("TV $")) << run.Screen();
-        if (c.keys != nullptr) {
-            ASSERT_TRUE(run.Pty().Write(c.keys));
-        } else {
-            ASSERT_EQ(0, kill(run.Pty().Pid(), c.signo));
-        }
+        ASSERT_TRUE(run.pty.WaitFor("TV $")) << run.pty.Screen();
+        ASSERT_TRUE(c.keys != nullptr ? run.pty.Write(c.keys) : kill(run.pty.Pid(), c.signo) == 0);
         EXPECT_EQ(c.end, run.End());
     }
 }
 
-// The file is cut to 0 bytes between two commands, or while the console waits for a reply.
+// The file is cut to 0 bytes between two commands.
 TEST(ConsoleEnds, TruncatedSwapFileEndsWith1InsteadOfSigbus)
 {
-    for (const bool whileWaiting : {false, true}) {
-        SCOPED_TRACE(whileWaiting ? "while waiting" : "between commands");
-        ConsoleOnPty run;
-        run.WritePage();
-        ASSERT_TRUE(run.Start());
-        ASSERT_TRUE(run.Pty().Write("fmt\n"));
-        ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Screen();
-        if (whileWaiting) {
-            ASSERT_TRUE(run.Pty().Write("int 5\n"));
-            // The request flag in the file's first byte says the console now polls the page.
-            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-            while (std::ifstream(run.Page()).get() != 1 && std::chrono::steady_clock::now() < deadline) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(5));
-            }
-        }
-        ASSERT_EQ(0, truncate(run.Page().c_str(), 0));
-        if (!whileWaiting) {
-            ASSERT_TRUE(run.Pty().Write("int 5\n"));
-        }
-        EXPECT_EQ("exit 1", run.End());
-        const std::string message = "swap file " + run.Page() + " was truncated while mapped: the shared page is lost\n";
-        EXPECT_NE(std::string::npos, run.Screen().find(message)) << run.Screen();
-    }
+    ConsoleOnPty run;
+    run.WritePage();
+    ASSERT_TRUE(run.Start());
+    ASSERT_TRUE(run.pty.Write("fmt\n"));
+    ASSERT_TRUE(run.pty.WaitFor("Formats@TV $")) << run.pty.Screen();
+    ASSERT_EQ(0, truncate(run.Page().c_str(), 0));
+    ASSERT_TRUE(run.pty.Write("int 5\n"));
+    EXPECT_EQ("exit 1", run.End());
+    const std::string message = "swap file " + run.Page() + " was truncated while mapped: the shared page is lost\r\n";
+    EXPECT_NE(std::string::npos, run.pty.Screen().find(message)) << run.pty.Screen();
 }
 
 }  // namespace

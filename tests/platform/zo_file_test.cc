@@ -28,41 +28,37 @@ std::vector<std::string> AllRows(const ZoFile& file)
 
 TEST(ZoFile, RowsOfAFileAndRefusals)
 {
+    const std::string longLine(ZoFile::kMaxRowLength + 1, 'x');
     enum Outcome { kRows, kFails, kRefused };  // kRefused: with a line naming what is not a regular file
     struct Case {
         const char* what;
-        std::string (*make)(const TempDir&);  // returns the path to read
+        std::string path;  // DIR stands for the test's directory; empty: DIR/f holding bytes
+        std::string bytes;
         const char* mode;
         Outcome outcome;
         std::vector<std::string> rows;
     };
     const Case cases[] = {
-        {"lines", [](const TempDir& d) { return d.Write("f", "one\r\n\ntwo\nlast"); }, "r", kRows,
-         {"one\r", "", "two", "last"}},
-        {"final line feed", [](const TempDir& d) { return d.Write("f", "x\n"); }, "r", kRows, {"x"}},
-        {"one line feed", [](const TempDir& d) { return d.Write("f", "\n"); }, "r", kRows, {""}},
-        {"0 bytes", [](const TempDir& d) { return d.Write("f", ""); }, "r", kRows, {}},
-        {"binary and over-long",
-         [](const TempDir& d) {
-             return d.Write("f", std::string("a\0b\xff\n", 5) + std::string(ZoFile::kMaxRowLength + 100, 'x') +
-                                     "\nafter");
-         },
-         "r", kRows, {std::string("a\0b\xff", 4), std::string(ZoFile::kMaxRowLength, 'x'), "after"}},
-        {"missing", [](const TempDir& d) { return d.File("nope"); }, "r", kFails, {}},
-        {"write mode", [](const TempDir& d) { return d.Write("f", "x\n"); }, "w", kFails, {}},
-        {"directory", [](const TempDir& d) { return d.Path(); }, "r", kRefused, {}},
-        {"FIFO",
-         [](const TempDir& d) {
-             mkfifo(d.File("fifo").c_str(), 0600);
-             return d.File("fifo");
-         },
-         "r", kRefused, {}},
-        {"device", [](const TempDir&) { return std::string("/dev/urandom"); }, "r", kRefused, {}},
+        {"lines", "", "one\r\n\ntwo\nlast", "r", kRows, {"one\r", "", "two", "last"}},
+        {"final line feed", "", "x\n", "r", kRows, {"x"}},
+        {"one line feed", "", "\n", "r", kRows, {""}},
+        {"0 bytes", "", "", "r", kRows, {}},
+        {"binary and over-long", "", std::string("a\0b\xff\n", 5) + longLine + "\nafter", "r", kRows,
+         {std::string("a\0b\xff", 4), longLine.substr(1), "after"}},
+        {"write mode", "", "x\n", "w", kFails, {}},
+        {"missing", "DIR/nope", "", "r", kFails, {}},
+        {"directory", "DIR", "", "r", kRefused, {}},
+        {"FIFO", "DIR/fifo", "", "r", kRefused, {}},
+        {"device", "/dev/urandom", "", "r", kRefused, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         TempDir dir;
-        const std::string path = c.make(dir);
+        mkfifo(dir.File("fifo").c_str(), 0600);
+        std::string path = c.path.empty() ? dir.Write("f", c.bytes) : c.path;
+        if (path.compare(0, 3, "DIR") == 0) {
+            path.replace(0, 3, dir.Path());
+        }
         ZoFile file;
         StdoutCapture out;
         EXPECT_EQ(file.Init(path, c.mode), c.outcome == kRows ? 0 : -1);
@@ -91,20 +87,15 @@ TEST(ZoFile, RollBackPutsBackTheLastRowOnce)
     EXPECT_TRUE(file.IsEOF());
 }
 
-// Four million short rows: over 100 MB as strings. The reader takes them all
-// in a child whose address space may grow by 32 MB only.
+// Four million empty rows, over 100 MB as strings, read in a child whose address space may grow by 32 MB only.
 TEST(ZoFile, MemoryIsBoundedByARowNotByTheFile)
 {
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "the address sanitizer reserves more address space than any such limit";
 #endif
     const size_t rowCount = 4000000;
-    std::string text;
-    for (size_t i = 0; i < rowCount; ++i) {
-        text += "ab\n";
-    }
     TempDir dir;
-    const std::string path = dir.Write("big", text);
+    const std::string path = dir.Write("big", std::string(rowCount, '\n'));
     const pid_t pid = fork();
     if (pid == 0) {
         long pages = 0;
