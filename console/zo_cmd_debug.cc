@@ -29,12 +29,12 @@ ZoCmdDebug::ZoCmdDebug()
 ZoCmdDebug* ZoCmdDebug::GetInstance()
 {
     if (ms_pInstance == nullptr) {
-        // Lives until the process ends: the signal thread may still reach it
-        // while the process is being killed.
         // Armed before the terminal goes raw, so that no moment is left in
         // which the process can end without putting it back.
         InstallEndHandlers();
         std::atexit(ZoStream::RestoreFoundTermios);
+        // Lives until the process ends: the signal thread may still reach it
+        // while the process is being killed.
         ms_pInstance = new ZoCmdDebug();
         ms_pInstance->m_stream.Init();
     }

@@ -44,6 +44,7 @@ void ZoStream::Init()
 {
     m_itHistory = m_listHistory.end();
     m_bTermiosSaved = false;
+    g_foundTermiosValid.store(false, std::memory_order_release);
     if (isatty(STDIN_FILENO) == 0) {
         return;
     }
@@ -53,7 +54,6 @@ void ZoStream::Init()
         return;
     }
     m_bTermiosSaved = true;
-    g_foundTermiosValid.store(false, std::memory_order_release);
     g_foundTermios = m_stOldTermios;
     g_foundTermiosValid.store(true, std::memory_order_release);
 

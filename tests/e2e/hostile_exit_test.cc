@@ -86,7 +86,7 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         struct rlimit stack {};
         getrlimit(RLIMIT_STACK, &stack);
         struct rlimit huge = stack;
-        huge.rlim_cur = sizeof(void*) == 8 ? static_cast<rlim_t>(1) << 46 : static_cast<rlim_t>(3) << 30;
+        huge.rlim_cur = static_cast<rlim_t>(3) << (sizeof(void*) == 8 ? 46 : 30);  // beyond the address space
         if (c.setup != nullptr) {
             c.setup(run.Page());
         } else {
