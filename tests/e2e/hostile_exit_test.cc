@@ -93,8 +93,9 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
             run.WritePage();
             setrlimit(RLIMIT_STACK, &huge);
         }
-        ASSERT_TRUE(run.Start());
+        const bool started = run.Start();
         setrlimit(RLIMIT_STACK, &stack);
+        ASSERT_TRUE(started);
 
         EXPECT_EQ("exit 1", run.End());
         std::string message = c.message;
