@@ -1,6 +1,6 @@
 // A generated catalogue for the benchmarks: "mods.conf" and "cmds.conf" of
-// `modules` modules with `commands` commands each, and a zero-filled 4096-byte
-// swap file ".tv", in a temporary directory removed with the object.
+// `modules` modules with `commands` commands each, and a zero-filled swap
+// file ".tv" of a page, in a temporary directory removed with the object.
 //
 // Module m is "Module<m>" (word "mod<m>", code (m + 1) * 0x100); its command c
 // is "cmd<c>" (code (m + 1) * 0x100 + c + 1, para format dDfFs, print format
@@ -9,27 +9,18 @@
 #ifndef ZO_BENCH_BENCH_CATALOGUE_H
 #define ZO_BENCH_BENCH_CATALOGUE_H
 
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 
-#include <ftw.h>
-#include <unistd.h>
+#include "temp_dir.h"
+#include "zo_shm_page.h"
 
 class BenchCatalogue {
 public:
     BenchCatalogue(int modules, int commands)
     {
-        const char* base = std::getenv("TMPDIR");
-        std::string pattern = std::string(base != nullptr ? base : "/tmp") + "/zo_bench_XXXXXX";
-        if (mkdtemp(&pattern[0]) == nullptr) {
-            std::perror("mkdtemp");
-            std::exit(1);
-        }
-        m_dir = pattern;
-        std::ofstream mods(m_dir + "/mods.conf");
-        std::ofstream cmds(m_dir + "/cmds.conf");
+        std::ofstream mods(m_dir.File("mods.conf"));
+        std::ofstream cmds(m_dir.File("cmds.conf"));
         for (int m = 0; m < modules; ++m) {
             const std::string name = "Module" + std::to_string(m);
             mods << "[" << name << "]\ncommand = mod" << m << "\ninstruction = 0x" << std::hex << (m + 1) * 0x100
@@ -41,20 +32,13 @@ public:
                      << "description = command " << c << " of module " << m << "\n\n";
             }
         }
-        std::ofstream(m_dir + "/.tv", std::ios::binary) << std::string(4096, '\0');
+        m_dir.Write(".tv", std::string(SHM_SIZE, '\0'));
     }
-    ~BenchCatalogue()
-    {
-        nftw(m_dir.c_str(), [](const char* p, const struct stat*, int, struct FTW*) { return ::remove(p); }, 4,
-             FTW_DEPTH | FTW_PHYS);
-    }
-    BenchCatalogue(const BenchCatalogue&) = delete;
-    BenchCatalogue& operator=(const BenchCatalogue&) = delete;
 
-    const std::string& Dir() const { return m_dir; }
+    const std::string& Dir() const { return m_dir.Path(); }
 
 private:
-    std::string m_dir;
+    TempDir m_dir;
 };
 
 #endif  // ZO_BENCH_BENCH_CATALOGUE_H

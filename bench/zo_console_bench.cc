@@ -30,17 +30,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include "bench_catalogue.h"
-#include "zo_cmd_debug.h"
+#include "console_peer.h"
 #include "zo_printer.h"
 #include "zo_shm_page.h"
-
-// Reaches the console's private state, as the unit tests' peer does.
-class ZoCmdDebugTestPeer {
-public:
-    static void UseCatalogue(ZoCmdDebug& console, ZoFileParse* catalogue) { console.m_pFileParse = catalogue; }
-    static void EnterModule(ZoCmdDebug& console, const std::string& mod) { console.m_strCurMod = mod; }
-};
 
 namespace {
 
@@ -70,22 +62,20 @@ private:
     FILE* m_null;
 };
 
-// A console inside Module0 of a generated catalogue.
-class BenchConsole {
+// A console inside a module of commands "cmd0", "cmd1", ... (para format
+// dDfFs, print format dsF), with a zero-filled swap file in its directory.
+class BenchConsole : public TestConsole {
 public:
-    explicit BenchConsole(int commands) : m_files(1, commands)
+    explicit BenchConsole(int commands)
     {
-        m_catalogue.Init(m_files.Dir());
-        ZoCmdDebugTestPeer::UseCatalogue(m_console, &m_catalogue);
-        ZoCmdDebugTestPeer::EnterModule(m_console, "Module0");
+        std::vector<TestCmd> cmds;
+        for (int c = 0; c < commands; ++c) {
+            cmds.push_back({"cmd" + std::to_string(c), std::to_string(c + 1), "dDfFs", "dsF", "number,name,value"});
+        }
+        Load(cmds);
+        Dir().Write(".tv", std::string(SHM_SIZE, '\0'));
     }
-    ZoCmdDebug& Get() { return m_console; }
-    std::string SwapFile() const { return m_files.Dir() + "/.tv"; }
-
-private:
-    BenchCatalogue m_files;
-    ZoFileParse m_catalogue;
-    ZoCmdDebug m_console;
+    std::string SwapFile() const { return Dir().File(".tv"); }
 };
 
 void* MapPage(const std::string& path)
@@ -130,11 +120,8 @@ private:
         WriteReply(reply);
         const struct timespec step = {0, 1000000};
         while (!m_stop && m_page != MAP_FAILED) {
-            const uint32_t flag = ShmLoadFlag(m_page);
-            if ((flag & SHM_FLAG_REQUEST) != 0 && (flag & SHM_FLAG_REPLY) == 0) {
-                std::memcpy(ShmPayloadOf(m_page), reply.data(), reply.dataSize());
-                ShmStoreSize(m_page, static_cast<uint32_t>(reply.dataSize()));
-                ShmStoreFlag(m_page, flag | SHM_FLAG_REPLY);
+            if (ShmRequestPending(ShmLoadFlag(m_page))) {
+                ShmPostReply(m_page, reply.data(), reply.dataSize(), static_cast<uint32_t>(reply.dataSize()));
             }
             nanosleep(&step, nullptr);
         }

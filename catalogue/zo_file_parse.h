@@ -76,6 +76,14 @@ public:
         void Clear();
     };
 
+    // The row limits, in characters as the reader delivers them (before
+    // trimming): a row tested as a block title, the key part before the
+    // first "=", and the value after it. A longer part is reported and
+    // refused: it is no title, names no key, or gives the empty value.
+    static constexpr size_t kMaxTitleRow = 255;
+    static constexpr size_t kMaxKeyPart = 255;
+    static constexpr size_t kMaxValue = 254;
+
     ZoFileParse();
 
     // Lets observer watch the next Init; null (the default) for none. The
@@ -106,9 +114,10 @@ public:
     std::string GetCmdDescrip(int32_t modInstruct, const std::string& cmd) const;
 
 private:
-    // Rows are tested and their parts trimmed in buffers of this size, so a
-    // title row, a key part or a value must leave room for the terminator.
-    static constexpr size_t kRowBufSize = 256;
+    // Rows are tested and their parts trimmed in buffers of this size: a
+    // title row, a key part, or the "=" with the value, and a terminator.
+    static constexpr size_t kRowBufSize = kMaxTitleRow + 1;
+    static_assert(kMaxKeyPart + 1 == kRowBufSize && kMaxValue + 2 == kRowBufSize, "one row buffer for every part");
 
     // --- Reading the files (zo_file_parse_reader.cc) ---
     // 0 when the file was read to its end; -1 after a missing or empty file or
@@ -133,7 +142,8 @@ private:
     static Key CmdKeyOf(const std::string& row);
     static Key SetModKey(const std::string& row, ZoModInfo& mod);
     static Key SetCmdKey(const std::string& row, ZoCmdInfo& cmd);
-    // Tells the observer what became of the value of a key row just taken.
+    // Tells the observer what became of the value of a key row just taken,
+    // from the outcome of the same extraction.
     void ObserveValue(const char* fileName, int rowNumber, const std::string& row, Key key) const;
 
     // --- Entering records (zo_file_parse.cc) ---
@@ -183,7 +193,8 @@ private:
     static Array<std::string> GetPrintTags(const std::string& row);
     // The one extraction behind the seven: fills buf with the trimmed value
     // and returns 0, or leaves buf empty and returns 1 for a value too long
-    // (reported with tooLongFormat) and -1 when the copy was refused.
+    // (reported with tooLongFormat unless it is null) and -1 when the copy
+    // was refused.
     static int GetValue(const std::string& row, const char* tooLongFormat, char (&buf)[kRowBufSize]);
     static std::string GetText(const std::string& row, const char* tooLongFormat);
 

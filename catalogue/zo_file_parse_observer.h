@@ -41,18 +41,19 @@ public:
     virtual void OnKeyTaken(const char* /*file*/, int /*row*/, Key /*key*/) {}
     // A row that is neither empty, nor a title, nor a key row of the file
     // ended the open block; text is the row. keyTooLong: the row holds "="
-    // but the text before it is too long for any key.
+    // but the text before it is longer than ZoFileParse::kMaxKeyPart.
     virtual void OnBlockEndedEarly(const char* /*file*/, int /*row*/, const std::string& /*text*/,
                                    bool /*keyTooLong*/) {}
     // A non-empty row outside a block, no title, was passed over. key is the
     // key of the file the row would have set inside a block, Key::kNone when
     // it is no key row.
     virtual void OnRowSkipped(const char* /*file*/, int /*row*/, const std::string& /*text*/, Key /*key*/) {}
-    // A row too long to be tested as a title (length characters); text is
-    // the row. The console prints its "too large" message for it.
+    // A row too long to be tested as a title (length characters, more than
+    // ZoFileParse::kMaxTitleRow); text is the row. The console prints its
+    // "too large" message for it.
     virtual void OnLongTitleRow(const char* /*file*/, int /*row*/, const std::string& /*text*/, size_t /*length*/) {}
-    // The value of a key row was too long (length counts the "=" and the
-    // value): the field took its empty value (instruction 0).
+    // The value of a key row was too long (length characters, more than
+    // ZoFileParse::kMaxValue): the field took its empty value (instruction 0).
     virtual void OnValueTooLong(const char* /*file*/, int /*row*/, Key /*key*/, size_t /*length*/) {}
     // The value of a key row held a NUL byte: the field took only the text
     // before it.

@@ -126,7 +126,7 @@ int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName
         }
         // Tested on every row, so an over-long row is reported even between blocks.
         const bool title = IsBlockTitile(row);
-        if (observer != nullptr && row.size() >= kRowBufSize) {
+        if (observer != nullptr && row.size() > kMaxTitleRow) {
             observer->OnLongTitleRow(fileName, rowNumber, row, row.size());
         }
         if (!blockOpen) {
@@ -152,7 +152,7 @@ int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName
         }
         if (observer != nullptr && !title) {
             const size_t n = row.find('=');
-            observer->OnBlockEndedEarly(fileName, rowNumber, row, n != std::string::npos && n >= kRowBufSize);
+            observer->OnBlockEndedEarly(fileName, rowNumber, row, n != std::string::npos && n > kMaxKeyPart);
         }
         closeBlock(titleRow);
         blockOpen = false;

@@ -79,7 +79,7 @@ size_t ZoFileParse::CopyTrimmed(const char* text, size_t length, char (&buf)[kRo
 
 bool ZoFileParse::IsBlockTitile(const std::string& row)
 {
-    if (row.size() >= kRowBufSize) {
+    if (row.size() > kMaxTitleRow) {
         printf("str size:%d too large, max len:%d\n", static_cast<int>(row.size()), static_cast<int>(kRowBufSize));
         return false;
     }
@@ -141,7 +141,7 @@ ZoFileParse::Key ZoFileParse::KeyOf(const std::string& row, const Key* keys, siz
     if (n == std::string::npos) {
         return Key::kNone;
     }
-    if (n >= kRowBufSize) {
+    if (n > kMaxKeyPart) {
         for (size_t i = 0; i < count; ++i) {
             printf(TextOf(keys[i]).tooLongFormat, static_cast<int>(n));
         }
@@ -173,11 +173,12 @@ int ZoFileParse::GetValue(const std::string& row, const char* tooLongFormat, cha
     if (n == std::string::npos) {
         return 0;  // no value at all: the empty text
     }
-    // The "=" and the value together must fit the buffer, leaving the value
-    // at most kRowBufSize - 2 characters.
+    // The "=" and the value together share the buffer; the message counts both.
     const size_t tail = row.size() - n;
-    if (tail >= kRowBufSize) {
-        printf(tooLongFormat, static_cast<int>(tail));
+    if (tail - 1 > kMaxValue) {
+        if (tooLongFormat != nullptr) {
+            printf(tooLongFormat, static_cast<int>(tail));
+        }
         return 1;
     }
     return CopyTrimmed(row.data() + n + 1, tail - 1, buf) != kRefused ? 0 : -1;
@@ -268,24 +269,21 @@ Array<std::string> ZoFileParse::GetPrintTags(const std::string& row)
 }
 
 // ---------------------------------------------------------------------------
-// Observing values: the same limits as GetValue, without its messages
+// Observing values: GetValue's outcome, without its messages
 
 void ZoFileParse::ObserveValue(const char* fileName, int rowNumber, const std::string& row, Key key) const
 {
     const size_t n = row.find('=');
-    if (n == std::string::npos) {
-        return;
-    }
-    const size_t tail = row.size() - n;
-    if (tail >= kRowBufSize) {
-        m_pObserver->OnValueTooLong(fileName, rowNumber, key, tail);
-        return;
-    }
     char buf[kRowBufSize];
-    if (CopyTrimmed(row.data() + n + 1, tail - 1, buf) == kRefused) {
+    const int outcome = GetValue(row, nullptr, buf);
+    if (outcome > 0) {
+        m_pObserver->OnValueTooLong(fileName, rowNumber, key, row.size() - n - 1);
         return;
     }
-    if (std::memchr(row.data() + n + 1, '\0', tail - 1) != nullptr) {
+    if (outcome < 0 || n == std::string::npos) {
+        return;
+    }
+    if (std::memchr(row.data() + n + 1, '\0', row.size() - n - 1) != nullptr) {
         m_pObserver->OnValueCut(fileName, rowNumber, key);
     }
     int32_t value = 0;

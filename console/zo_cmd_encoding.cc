@@ -1,15 +1,16 @@
 // Argument encoding: the typed arguments of a command become its request.
 //
 // The request parcel holds the command's instruction code (int32), then one
-// value per letter of the command's parameter format, in letter order:
+// value per letter of the command's parameter format, in letter order, each
+// written as zo_format_letters.h says. How each letter takes its argument:
 //
-//   d  int32   decimal, or hexadecimal after "0x"/"0X"; junk after the number
-//              is dropped, a word that is no number gives 0, overflow clamps
-//   D  int64   decimal, read straight from the argument stream; what follows
-//              the digits stays there for the next letter
-//   f  float   and  F  double, read straight from the argument stream
-//   s  String16 of the next word (no quoting: a word holds no white space)
-//   S  nothing; "current is no support 'S' format" is printed
+//   d  a word: decimal, or hexadecimal after "0x"/"0X"; junk after the number
+//      is dropped, a word that is no number gives 0, overflow clamps
+//   D  decimal, read straight from the argument stream; what follows the
+//      digits stays there for the next letter
+//   f, F  read straight from the argument stream as float and double
+//   s  the next word (no quoting: a word holds no white space)
+//   S  nothing; its message is printed
 //
 // The argument stream is the argument text with one blank appended by the
 // dispatcher. A read succeeds only if the stream reports no condition at all
@@ -18,17 +19,19 @@
 #include <cstdio>
 #include <cstring>
 
-#include <utils/String16.h>
-
 #include "zo_cmd_debug.h"
+#include "zo_format_letters.h"
 
 namespace {
 
-const char* const kNoSupportS = "current is no support 'S' format";
-
-// True when the last extraction left the stream without any condition.
-bool ReadSucceeded(const std::istringstream& args)
+// Extracts the next value of type T (a word for std::string) into out; true
+// when the stream is left without any condition, not even its end.
+template <typename T, typename Out>
+bool Extract(std::istringstream& args, Out& out)
 {
+    T value{};
+    args >> value;
+    out = value;
     return args.good();
 }
 
@@ -69,29 +72,22 @@ int ZoCmdDebug::ParseCmd(const char* cmd, android::Parcel& parcel, std::istrings
     }
 
     for (size_t i = 0; ok && i < paraFmt.size(); ++i) {
-        const char letter = paraFmt[i];
-        int ret;
-        switch (letter) {
-            case 'd':
-            case 'D':
-                ret = ParseIntegerCmd(letter == 'D', ok, args, parcel);
-                if (ret != 0) {
-                    puts("call failed");
-                    return ret;
-                }
-                break;
-            case 'f':
-            case 'F':
-            case 's':
-            case 'S':
-                ret = ParseCmdSub(letter, ok, args, parcel);
-                if (ret != 0) {
-                    return ret;
-                }
-                break;
-            default:
-                puts("para format err.");
-                return -1;
+        const ZoFormatLetter* format = ZoFormatLetterOf(paraFmt[i]);
+        if (format == nullptr) {
+            puts("para format err.");
+            return -1;
+        }
+        if (format->kind == ZoFormatKind::kInteger) {
+            const int ret = ParseIntegerCmd(format->wide, ok, args, parcel);
+            if (ret != 0) {
+                puts("call failed");
+                return ret;
+            }
+        } else {
+            const int ret = ParseCmdSub(paraFmt[i], ok, args, parcel);
+            if (ret != 0) {
+                return ret;
+            }
         }
     }
     if (ok) {
@@ -104,84 +100,56 @@ int ZoCmdDebug::ParseCmd(const char* cmd, android::Parcel& parcel, std::istrings
 
 int ZoCmdDebug::ParseCmdSub(char letter, ZO_BOOL& ok, std::istringstream& args, android::Parcel& parcel)
 {
-    android::status_t status;
-    switch (letter) {
-        case 'f': {
-            float value = 0.0f;
-            args >> value;
-            if (!ReadSucceeded(args)) {
-                ok = ZO_FALSE;
-                return 0;
-            }
-            status = parcel.writeFloat(value);
-            break;
-        }
-        case 'F': {
-            double value = 0.0;
-            args >> value;
-            if (!ReadSucceeded(args)) {
-                ok = ZO_FALSE;
-                return 0;
-            }
-            status = parcel.writeDouble(value);
-            break;
-        }
-        case 's': {
-            const int ret = ParseStringCmd(ZO_FALSE, ok, args, parcel);
-            if (ret != 0) {
-                puts("call failed");
-            }
-            return ret;
-        }
-        case 'S':
-            puts(kNoSupportS);
-            return 0;
-        default:
-            puts("para format err.");
-            return -1;
-    }
-    if (status != android::NO_ERROR) {
-        puts("call failed");
+    const ZoFormatLetter* format = ZoFormatLetterOf(letter);
+    if (format == nullptr || format->kind == ZoFormatKind::kInteger) {
+        puts("para format err.");
         return -1;
     }
-    return 0;
+    if (!format->supported) {
+        puts(kZoFormatNoSupportS);
+        return 0;
+    }
+    int ret = 0;
+    if (format->kind == ZoFormatKind::kText) {
+        ret = ParseStringCmd(ZO_FALSE, ok, args, parcel);
+    } else {
+        ZoFormatValue value;
+        if (format->wide ? !Extract<double>(args, value.real) : !Extract<float>(args, value.real)) {
+            ok = ZO_FALSE;
+            return 0;
+        }
+        ret = format->write(parcel, value) == android::NO_ERROR ? 0 : -1;
+    }
+    if (ret != 0) {
+        puts("call failed");
+    }
+    return ret;
 }
 
 int ZoCmdDebug::ParseIntegerCmd(ZO_BOOL wide, ZO_BOOL& ok, std::istringstream& args, android::Parcel& parcel)
 {
-    android::status_t status;
-    if (wide) {
-        int64_t value = 0;
-        args >> value;
-        if (!ReadSucceeded(args)) {
-            ok = ZO_FALSE;
-            return 0;
-        }
-        status = parcel.writeInt64(value);
-    } else {
-        std::string word;
-        args >> word;
-        if (!ReadSucceeded(args)) {
-            ok = ZO_FALSE;
-            return 0;
-        }
-        status = parcel.writeInt32(WordToInt32(word));
+    ZoFormatValue value;
+    std::string word;
+    if (wide ? !Extract<int64_t>(args, value.integer) : !Extract<std::string>(args, word)) {
+        ok = ZO_FALSE;
+        return 0;
     }
-    return status == android::NO_ERROR ? 0 : -1;
+    if (!wide) {
+        value.integer = WordToInt32(word);
+    }
+    return ZoFormatLetterOf(wide ? 'D' : 'd')->write(parcel, value) == android::NO_ERROR ? 0 : -1;
 }
 
 int ZoCmdDebug::ParseStringCmd(ZO_BOOL wide, ZO_BOOL& ok, std::istringstream& args, android::Parcel& parcel)
 {
     if (wide) {
-        puts(kNoSupportS);
+        puts(kZoFormatNoSupportS);
         return 0;
     }
-    std::string word;
-    args >> word;
-    if (!ReadSucceeded(args)) {
+    ZoFormatValue value;
+    if (!Extract<std::string>(args, value.text)) {
         ok = ZO_FALSE;
         return 0;
     }
-    const android::String16 text(word.c_str(), word.size());
-    return parcel.writeString16(text) == android::NO_ERROR ? 0 : -1;
+    return ZoFormatLetterOf('s')->write(parcel, value) == android::NO_ERROR ? 0 : -1;
 }

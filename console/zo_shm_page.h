@@ -20,6 +20,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 constexpr size_t SHM_SIZE = 4096;
 constexpr size_t SHM_HEAD_SIZE = 8;
@@ -66,6 +67,24 @@ inline void ShmStoreSize(void* page, uint32_t size)
 inline uint32_t ShmLoadSize(void* page)
 {
     return __atomic_load_n(&ShmHeaderOf(page)->u32Size, __ATOMIC_RELAXED);
+}
+
+// True when the flag word holds a pending request: bit 0 set, bit 1 clear.
+inline bool ShmRequestPending(uint32_t flag)
+{
+    return (flag & (SHM_FLAG_REQUEST | SHM_FLAG_REPLY)) == SHM_FLAG_REQUEST;
+}
+
+// The service's answer: the reply's length bytes (at most SHM_DATA_SIZE) into
+// the payload, claimedSize into u32Size (normally length), then bit 1 set with
+// the other bits of the flag word left as they were.
+inline void ShmPostReply(void* page, const void* reply, size_t length, uint32_t claimedSize)
+{
+    if (length != 0) {
+        std::memcpy(ShmPayloadOf(page), reply, length);
+    }
+    ShmStoreSize(page, claimedSize);
+    ShmStoreFlag(page, ShmLoadFlag(page) | SHM_FLAG_REPLY);
 }
 
 #endif  // ZO_CONSOLE_ZO_SHM_PAGE_H

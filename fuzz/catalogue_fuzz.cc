@@ -2,8 +2,8 @@
 //
 // Input: the bytes before the first "\n%%\n" are "mods.conf", the bytes after
 // it "cmds.conf"; without that line there is no "cmds.conf" at all. Both are
-// real files in a directory made once per process, as the row reader opens
-// them by path.
+// real files in a directory made once per process (in /dev/shm when there is
+// one: they are rewritten for every input), as the row reader opens them by path.
 //
 // Checked besides memory safety: Init fails exactly when a file is missing or
 // has no byte; module names and module words pair up, names ascend byte-wise
@@ -12,42 +12,25 @@
 // byte-wise; every name, word and value is a trimmed text that fits a row
 // buffer, without NUL; a word or name too long for any row misses every lookup.
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <set>
 #include <string>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include "fuzz_check.h"
 #include "fuzz_quiet.h"
+#include "temp_dir.h"
 #include "zo_file_parse.h"
 
 namespace {
 
-// A value fits a row buffer of 256 bytes behind the "=" and before a terminator.
-constexpr size_t kMaxValue = 254;
-// A title's name also leaves room for its brackets.
-constexpr size_t kMaxName = kMaxValue - 1;
+constexpr size_t kMaxValue = ZoFileParse::kMaxValue;
+// A title's name is the title row without its brackets.
+constexpr size_t kMaxName = ZoFileParse::kMaxTitleRow - 2;
 
-std::string g_dir;
-
-void RemoveFiles()
-{
-    unlink((g_dir + "/mods.conf").c_str());
-    unlink((g_dir + "/cmds.conf").c_str());
-    rmdir(g_dir.c_str());
-}
-
-void WriteFile(const std::string& name, const uint8_t* bytes, size_t size)
-{
-    const int fd = open((g_dir + "/" + name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    FUZZ_CHECK(fd >= 0);
-    FUZZ_CHECK(size == 0 || write(fd, bytes, size) == static_cast<ssize_t>(size));
-    close(fd);
-}
+const TempDir* g_dir = nullptr;
 
 bool IsSpace(char c)
 {
@@ -62,10 +45,13 @@ void CheckValue(const std::string& text, size_t limit = kMaxValue)
     FUZZ_CHECK(text.empty() || (!IsSpace(text.front()) && !IsSpace(text.back())));
 }
 
+// Walked, never indexed: a position costs a walk from the front of the list.
 void CheckAscending(const Array<std::string>& list)
 {
-    for (unsigned int i = 1; i < list.Size(); ++i) {
-        FUZZ_CHECK(list[i - 1] < list[i]);
+    const std::string* last = nullptr;
+    for (const std::string& item : list) {
+        FUZZ_CHECK(last == nullptr || *last < item);
+        last = &item;
     }
 }
 
@@ -73,20 +59,18 @@ void CheckCommands(const ZoFileParse& parse, int32_t code)
 {
     const Array<std::string> words = parse.GetModHoldCmds(code);
     CheckAscending(words);
-    for (unsigned int i = 0; i < words.Size(); ++i) {
-        const std::string& word = words[i];
+    for (const std::string& word : words) {
         CheckValue(word);
         CheckValue(parse.GetCmdParaFmt(code, word));
         CheckValue(parse.GetCmdPrintFmt(code, word));
         CheckValue(parse.GetCmdDescrip(code, word));
         parse.GetCmdInstruct(code, word);
         // The tags are one value split at its commas.
-        const Array<std::string> tags = parse.GetCmdPrintTags(code, word);
         std::string joined;
-        for (unsigned int t = 0; t < tags.Size(); ++t) {
-            joined += (t == 0 ? "" : ",") + tags[t];
+        for (const std::string& tag : parse.GetCmdPrintTags(code, word)) {
+            joined += "," + tag;
         }
-        CheckValue(joined);
+        CheckValue(joined.substr(joined.empty() ? 0 : 1));
     }
     const std::string miss(kMaxValue + 1, 'x');
     FUZZ_CHECK(parse.GetCmdParaFmt(code, miss).empty());
@@ -101,16 +85,11 @@ void CheckCommands(const ZoFileParse& parse, int32_t code)
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
     QuietStdout();
-    // A memory file system when there is one: the files are rewritten for every input.
-    char shm[] = "/dev/shm/catalogue_fuzz.XXXXXX";
-    char tmp[] = "/tmp/catalogue_fuzz.XXXXXX";
-    const char* dir = mkdtemp(shm);
-    if (dir == nullptr) {
-        dir = mkdtemp(tmp);
+    if (access("/dev/shm", W_OK) == 0) {
+        setenv("TMPDIR", "/dev/shm", 1);
     }
-    FUZZ_CHECK(dir != nullptr);
-    g_dir = dir;
-    std::atexit(RemoveFiles);
+    static const TempDir dir;
+    g_dir = &dir;
     return 0;
 }
 
@@ -120,18 +99,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const uint8_t* split =
         static_cast<const uint8_t*>(memmem(data, size, kSeparator, sizeof kSeparator - 1));
     const size_t modsSize = split != nullptr ? static_cast<size_t>(split - data) : size;
-    WriteFile("mods.conf", data, modsSize);
+    const char* const text = reinterpret_cast<const char*>(data);
+    g_dir->Write("mods.conf", std::string(text, modsSize));
     size_t cmdsSize = 0;
     if (split != nullptr) {
-        const uint8_t* cmds = split + sizeof kSeparator - 1;
-        cmdsSize = size - static_cast<size_t>(cmds - data);
-        WriteFile("cmds.conf", cmds, cmdsSize);
+        const size_t cmdsStart = modsSize + sizeof kSeparator - 1;
+        cmdsSize = size - cmdsStart;
+        g_dir->Write("cmds.conf", std::string(text + cmdsStart, cmdsSize));
     } else {
-        unlink((g_dir + "/cmds.conf").c_str());
+        unlink(g_dir->File("cmds.conf").c_str());
     }
 
     ZoFileParse parse;
-    parse.Init(g_dir);
+    parse.Init(g_dir->Path());
     const bool complete = modsSize != 0 && split != nullptr && cmdsSize != 0;
     FUZZ_CHECK(parse.GetIOExceptionStatus() == (complete ? 0 : 1));
 
@@ -140,12 +120,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     FUZZ_CHECK(names.Size() == words.Size());
     CheckAscending(names);
     std::set<int32_t> codes;
-    for (unsigned int i = 0; i < names.Size(); ++i) {
-        const std::string& name = names[i];
+    auto word = words.begin();
+    for (const std::string& name : names) {
         FUZZ_CHECK(name.size() <= kMaxName);
         FUZZ_CHECK(name.find('\0') == std::string::npos);
-        CheckValue(words[i]);
-        FUZZ_CHECK(parse.GetModToCmd(name) == words[i]);
+        CheckValue(*word);
+        FUZZ_CHECK(parse.GetModToCmd(name) == *word++);
         CheckValue(parse.GetModDescrip(name));
         codes.insert(parse.GetModInstruct(name));
     }

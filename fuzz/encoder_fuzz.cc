@@ -8,81 +8,39 @@
 //
 // Checked besides memory safety: the request starts with the command's code;
 // a successful encoding used only format letters and reads back, letter by
-// letter, to exactly the end of the request, each string being one word.
+// letter, to exactly the end of the request.
 #include <binder/Parcel.h>
-#include <utils/String16.h>
-#include <utils/String8.h>
 
 #include <cstdint>
-#include <cstring>
 #include <sstream>
 #include <string>
 
 #include "console_fuzz_support.h"
 #include "fuzz_check.h"
+#include "zo_format_letters.h"
 
 namespace {
-
-fuzz_console::Console* g_console = nullptr;
-
-bool HasBlank(const android::String8& text)
-{
-    for (size_t i = 0; i < text.size(); ++i) {
-        const char c = text.c_str()[i];
-        if (c != '\0' && std::strchr(" \t\n\v\f\r", c) != nullptr) {
-            return true;
-        }
-    }
-    return false;
-}
 
 // Reads the request back by the format; false when a value is missing.
 bool ReadsBack(const android::Parcel& request, const std::string& format)
 {
     for (const char letter : format) {
+        const ZoFormatLetter* row = ZoFormatLetterOf(letter);
+        FUZZ_CHECK(row != nullptr);  // a successful encoding has only format letters
+        ZoFormatValue value;
         const size_t avail = request.dataAvail();
-        switch (letter) {
-            case 'd':
-            case 'f':
-                if (avail < 4) {
-                    return false;
-                }
-                request.readInt32();
-                break;
-            case 'D':
-            case 'F':
-                if (avail < 8) {
-                    return false;
-                }
-                request.readInt64();
-                break;
-            case 's': {
-                if (avail < 8) {
-                    return false;
-                }
-                const android::String8 word{request.readString16()};
-                // An empty result is a word that is no valid UTF-8; never an absent one.
-                FUZZ_CHECK(request.dataAvail() < avail);
-                FUZZ_CHECK(!HasBlank(word));
-                break;
-            }
-            case 'S':
-                break;
-            default:
-                FUZZ_CHECK(!"a successful encoding has only format letters");
+        if (row->supported && !row->read(request, value)) {
+            return false;
+        }
+        if (row->supported && row->kind == ZoFormatKind::kText) {
+            // Always a string of the word's units, never an absent one.
+            FUZZ_CHECK(request.dataAvail() < avail);
         }
     }
     return true;
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    fuzz_console::Silence();
-    g_console = new fuzz_console::Console();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
@@ -91,12 +49,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string format = input.substr(0, eol);
     const std::string text = eol == std::string::npos ? std::string() : input.substr(eol + 1);
 
-    const ZoFileParse& catalogue = g_console->Load(format, "d", "result");
+    const ZoFileParse& catalogue = fuzz_console::Load(format, "d", "result");
     const std::string delivered = catalogue.GetCmdParaFmt(catalogue.GetModInstruct("M"), fuzz_console::kCmdWord);
 
     android::Parcel request;
     std::istringstream args(text + " ");
-    const int ret = g_console->Get().ParseCmd(fuzz_console::kCmdWord, request, args);
+    const int ret = fuzz_console::Console().Get().ParseCmd(fuzz_console::kCmdWord, request, args);
     FUZZ_CHECK(ret == 0 || ret == -1);
 
     FUZZ_CHECK(request.dataSize() >= 4 && request.dataSize() % 4 == 0);

@@ -7,8 +7,7 @@
 //
 // Checked besides memory safety: the read position stays within the data and
 // never moves back; a number is the bytes at the position as they stand, or 0
-// with the position unmoved when they do not fit; a string that converts to
-// UTF-8 converts back to the same units.
+// with the position unmoved when they do not fit.
 #include <binder/Parcel.h>
 #include <utils/String8.h>
 
@@ -49,12 +48,8 @@ void CheckString(const Parcel& parcel)
     FUZZ_CHECK(after >= before);
     // The count, the units and their terminator all came from the data.
     FUZZ_CHECK(text.size() == 0 || after - before >= 4 + (text.size() + 1) * sizeof(char16_t));
-    FUZZ_CHECK(text.c_str()[text.size()] == 0);
-
+    FUZZ_CHECK(text.string()[text.size()] == 0);
     const String8 utf8(text);
-    if (utf8.size() != 0) {
-        FUZZ_CHECK(String16(utf8.c_str(), utf8.size()) == text);
-    }
 }
 
 }  // namespace
@@ -78,10 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     FUZZ_CHECK(length == 0 || std::memcmp(parcel.data(), bytes, length) == 0);
 
     for (size_t i = 0; i < readers; ++i) {
-        uint8_t letter = letters[i];
-        if (std::memchr("dDfFs", letter, 5) == nullptr) {
-            letter = static_cast<uint8_t>("dDfFs"[letter % 5]);
-        }
+        const uint8_t letter = std::memchr("dDfFs", letters[i], 5) != nullptr ? letters[i] : "dDfFs"[letters[i] % 5];
         switch (letter) {
         case 'd': CheckNumber(parcel, bytes, length, &Parcel::readInt32); break;
         case 'D': CheckNumber(parcel, bytes, length, &Parcel::readInt64); break;

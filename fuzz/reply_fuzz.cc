@@ -1,16 +1,13 @@
-// The reply side on arbitrary replies: the parcel readers and the Printer with
-// arbitrary print formats and tags, and CopyCmdToBuf taking an arbitrary reply
-// and u32Size out of the shared page.
+// The reply side on arbitrary replies: the Printer with arbitrary print
+// formats and tags, and CopyCmdToBuf taking an arbitrary reply and u32Size out
+// of the shared page.
 //
 // Input: one mode byte, four bytes of u32Size (little-endian), the print
 // format, a line feed, the print tags (split at commas), a line feed, then the
-// reply's bytes. Mode bit 0 picks the path:
-//   0: a Printer over a parcel of the reply bytes, given the format and tags
-//      directly (a NUL ends the format; tags may hold any byte);
-//   1: CopyCmdToBuf on an in-memory page, with the format and tags taken from
-//      the catalogue. The console's 100 ms wait is replaced by the service's
-//      answer: the harness's nanosleep writes the reply bytes (at most 4088)
-//      and u32Size into the page and raises the reply flag.
+// reply's bytes. Mode bit 0 picks the path: 0, a Printer over the reply bytes
+// given the format and tags directly (tags may hold any byte); 1, CopyCmdToBuf
+// on an in-memory page with the format and tags from the catalogue, where the
+// harness's nanosleep stands in for the service and posts the reply at once.
 //
 // Checked besides memory safety and termination: Fmt fails only for a missing
 // format or tags, or an invalid letter it had to handle, and never reads past
@@ -29,13 +26,13 @@
 
 #include "console_fuzz_support.h"
 #include "fuzz_check.h"
+#include "zo_format_letters.h"
 #include "zo_mw_array.h"
 #include "zo_printer.h"
 #include "zo_shm_page.h"
 
 namespace {
 
-fuzz_console::Console* g_console = nullptr;
 alignas(8) uint8_t g_page[SHM_SIZE];
 
 // The answer the next nanosleep of this thread gives; none while unarmed.
@@ -62,17 +59,12 @@ Array<std::string> SplitTags(const std::string& text)
 // among those it handles (only when the reply has data for a first pass).
 bool MayFail(const std::string& format, const Array<std::string>& tags, size_t replySize)
 {
-    const char* letters = format.c_str();
-    const size_t n = std::strlen(letters);
-    if (n == 0 || tags.Size() == 0) {
-        return true;
-    }
+    const size_t n = std::strlen(format.c_str());
+    bool invalid = false;
     for (size_t i = 0; replySize != 0 && i < n && i < tags.Size(); ++i) {
-        if (std::strchr("dDfFsS", letters[i]) == nullptr) {
-            return true;
-        }
+        invalid = invalid || ZoFormatLetterOf(format[i]) == nullptr;
     }
-    return false;
+    return n == 0 || tags.Size() == 0 || invalid;
 }
 
 void PrintDirectly(const std::string& format, const std::string& tagText, const uint8_t* reply, size_t length)
@@ -90,14 +82,14 @@ void PrintDirectly(const std::string& format, const std::string& tagText, const 
 void ExchangeOnPage(const std::string& format, const std::string& tagText, uint32_t size, const uint8_t* reply,
                     size_t length)
 {
-    g_console->Load("", format, tagText);
+    fuzz_console::Load("", format, tagText);
     std::memset(g_page, 0, sizeof g_page);
     g_pShareMem = g_page;
 
     android::Parcel request;
     request.writeInt32(fuzz_console::kCmdCode);
     t_reply = {true, size, reply, length < SHM_DATA_SIZE ? length : SHM_DATA_SIZE};
-    const int ret = g_console->Get().CopyCmdToBuf(fuzz_console::kCmdWord, request);
+    const int ret = fuzz_console::Console().Get().CopyCmdToBuf(fuzz_console::kCmdWord, request);
     FUZZ_CHECK(!t_reply.armed);  // the console waited for the answer
     g_pShareMem = MAP_FAILED;
 
@@ -119,30 +111,19 @@ extern "C" int nanosleep(const struct timespec* request, struct timespec* remain
         return static_cast<int>(syscall(SYS_nanosleep, request, remaining));
     }
     t_reply.armed = false;
-    FUZZ_CHECK(ShmLoadFlag(g_page) == SHM_FLAG_REQUEST);
-    FUZZ_CHECK(ShmLoadSize(g_page) == 4);
+    FUZZ_CHECK(ShmLoadFlag(g_page) == SHM_FLAG_REQUEST && ShmLoadSize(g_page) == 4);
     int32_t code;
     std::memcpy(&code, ShmPayloadOf(g_page), sizeof code);
     FUZZ_CHECK(code == fuzz_console::kCmdCode);
 
     std::memset(ShmPayloadOf(g_page), 0, SHM_DATA_SIZE);
-    if (t_reply.length != 0) {
-        std::memcpy(ShmPayloadOf(g_page), t_reply.bytes, t_reply.length);
-    }
-    ShmStoreSize(g_page, t_reply.size);
-    ShmStoreFlag(g_page, SHM_FLAG_REQUEST | SHM_FLAG_REPLY);
-    return 0;
-}
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    fuzz_console::Silence();
-    g_console = new fuzz_console::Console();
+    ShmPostReply(g_page, t_reply.bytes, t_reply.length, t_reply.size);
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
+    fuzz_console::Console();  // silences the printer before any input is printed
     if (size < 5) {
         return 0;
     }

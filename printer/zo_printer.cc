@@ -3,13 +3,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include <utils/String16.h>
-#include <utils/String8.h>
+#include "zo_format_letters.h"
 
 namespace {
 
 const char* const kSeparator = "===========================";
-const char* const kNoSupportS = "current is no support 'S' format";
 const char* const kLogTag = "ZoMW_Zo_cmd_pri";
 // Numbers are formatted into a buffer of this size, terminator included.
 constexpr size_t kTextSize = 256;
@@ -51,29 +49,21 @@ int Printer::Fmt(const char* fmt, const Array<std::string>& tags)
 
 int Printer::RenderField(char letter, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row)
 {
-    switch (letter) {
-        case 'd':
-            ParseIntegerfmt(ZO_FALSE, tagIndex, tags, row);
-            return 0;
-        case 'D':
-            ParseIntegerfmt(ZO_TRUE, tagIndex, tags, row);
-            return 0;
-        case 'f':
-            ParseDecimalfmt(ZO_FALSE, tagIndex, tags, row);
-            return 0;
-        case 'F':
-            ParseDecimalfmt(ZO_TRUE, tagIndex, tags, row);
-            return 0;
-        case 's':
-            ParseStringfmt(ZO_FALSE, tagIndex, tags, row);
-            return 0;
-        case 'S':
-            puts(kNoSupportS);
-            return 0;
-        default:
-            puts("invalid fmt info!");
-            return -1;
+    const ZoFormatLetter* format = ZoFormatLetterOf(letter);
+    if (format == nullptr) {
+        puts("invalid fmt info!");
+        return -1;
     }
+    if (!format->supported) {
+        puts(kZoFormatNoSupportS);
+    } else if (format->kind == ZoFormatKind::kInteger) {
+        ParseIntegerfmt(format->wide, tagIndex, tags, row);
+    } else if (format->kind == ZoFormatKind::kReal) {
+        ParseDecimalfmt(format->wide, tagIndex, tags, row);
+    } else {
+        ParseStringfmt(ZO_FALSE, tagIndex, tags, row);
+    }
+    return 0;
 }
 
 int Printer::Flush()
@@ -87,52 +77,39 @@ int Printer::Flush()
 
 void Printer::ParseIntegerfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row)
 {
-    char text[kTextSize];
-    memset(text, 0, sizeof text);
-    int ret;
-    if (wide) {
-        // long long is 64 bits on the 32-bit device as well as on the host.
-        ret = sprintf_s(text, sizeof text, "%lld", static_cast<long long>(m_parcel.readInt64()));
-    } else {
-        ret = sprintf_s(text, sizeof text, "%d", m_parcel.readInt32());
-    }
-    if (ret == -1) {
-        ZoLog::PrintLog(ATV_LOG_PRIO_ERROR, kLogTag, "ParseIntegerfmt", __LINE__, "sprintf_s failed, ret = %d", ret);
-        return;
-    }
-    AppendField(tags[tagIndex], text, row);
+    RenderNumber(wide ? 'D' : 'd', "ParseIntegerfmt", __LINE__, tags[tagIndex], row);
 }
 
 void Printer::ParseDecimalfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row)
 {
+    RenderNumber(wide ? 'F' : 'f', "ParseDecimalfmt", __LINE__, tags[tagIndex], row);
+}
+
+void Printer::RenderNumber(char letter, const char* renderer, unsigned int line, const std::string& tag,
+                           std::string& row)
+{
+    const ZoFormatLetter& format = *ZoFormatLetterOf(letter);
+    ZoFormatValue value;
+    format.read(m_parcel, value);
     char text[kTextSize];
     memset(text, 0, sizeof text);
-    if (wide) {
-        const int ret = snprintf_s(text, sizeof text, sizeof text, "%16.6lf", m_parcel.readDouble());
-        if (ret == -1) {
-            ZoLog::PrintLog(ATV_LOG_PRIO_ERROR, kLogTag, "ParseDecimalfmt", __LINE__, "snprintf_s failed, ret = %d",
-                            ret);
-            return;
-        }
-    } else {
-        const int ret = sprintf_s(text, sizeof text, "%f", static_cast<double>(m_parcel.readFloat()));
-        if (ret == -1) {
-            ZoLog::PrintLog(ATV_LOG_PRIO_ERROR, kLogTag, "ParseDecimalfmt", __LINE__, "sprintf_s failed, ret = %d",
-                            ret);
-            return;
-        }
+    const int ret = format.print(value, text, sizeof text);
+    if (ret == -1) {
+        ZoLog::PrintLog(ATV_LOG_PRIO_ERROR, kLogTag, renderer, line, format.printFailure, ret);
+        return;
     }
-    AppendField(tags[tagIndex], text, row);
+    AppendField(tag, text, row);
 }
 
 void Printer::ParseStringfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row)
 {
     if (wide) {
-        puts(kNoSupportS);
+        puts(kZoFormatNoSupportS);
         return;
     }
-    const android::String8 text(m_parcel.readString16());
-    AppendField(tags[tagIndex], text.c_str(), row);
+    ZoFormatValue value;
+    ZoFormatLetterOf('s')->read(m_parcel, value);
+    AppendField(tags[tagIndex], value.text.c_str(), row);
 }
 
 void Printer::AppendField(const std::string& tag, const char* text, std::string& row)

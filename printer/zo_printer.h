@@ -4,9 +4,8 @@
 // word. Fmt reads the values by the command's print format, one letter per
 // value, and labels the value of the letter at position i with tag i:
 //
-//   d  readInt32    "%d"         D  readInt64   "%lld"
-//   f  readFloat    "%f"         F  readDouble  "%16.6lf"
-//   s  readString16 as UTF-8     S  no value; "current is no support 'S' format"
+// The letters and how each value is read and shown are those of
+// zo_format_letters.h; S prints its message and reads nothing.
 //
 // A row is one pass over the format: "tag:value\t" per field, the tab also
 // after the last one. Passes repeat while the reply has unread data; letters
@@ -55,6 +54,9 @@ public:
 private:
     // Handles the letter at one position of a pass: 0, or -1 for an invalid letter.
     int RenderField(char letter, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row);
+    // Reads the value of the number letter and appends its field; a text the
+    // formatting refuses is logged as renderer's, at line.
+    void RenderNumber(char letter, const char* renderer, unsigned int line, const std::string& tag, std::string& row);
     static void AppendField(const std::string& tag, const char* text, std::string& row);
 
     const android::Parcel& m_parcel;

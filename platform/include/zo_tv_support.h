@@ -4,6 +4,10 @@
 // ZoLog, the thread class ZoMWThread, IsBlank, ZO_BOOL and the bounds-checked
 // copy and format functions. A device build points the include path at the
 // real library instead; nothing outside platform/ changes.
+//
+// Host-only hooks for tests (the log sink, the row limit as a constant) sit
+// under #ifndef ZO_TV_SUPPORT_DEVICE_API: the device-header check defines it,
+// so that product code using anything the device's library lacks fails there.
 #ifndef ZO_PLATFORM_ZO_TV_SUPPORT_H
 #define ZO_PLATFORM_ZO_TV_SUPPORT_H
 
@@ -33,6 +37,7 @@ typedef enum {
     ATV_LOG_PRIO_FATAL = 7,
 } ATV_LOG_PRIO_E;
 
+#ifndef ZO_TV_SUPPORT_DEVICE_API
 // One log record as handed to the sink, with the message already formatted.
 struct ZoLogRecord {
     ATV_LOG_PRIO_E prio;
@@ -41,20 +46,22 @@ struct ZoLogRecord {
     unsigned int line;
     std::string message;
 };
+#endif
 
 class ZoLog {
 public:
-    using Sink = std::function<void(const ZoLogRecord&)>;
-
     // Writes one record. Records never reach standard output: the host default
     // sends them to syslog(3) under the tag, as the device sends them to the
     // system log. Safe to call from any thread.
     static void PrintLog(ATV_LOG_PRIO_E prio, const char* tag, const char* function, unsigned int line,
                          const char* format, ...) __attribute__((format(printf, 5, 6)));
 
+#ifndef ZO_TV_SUPPORT_DEVICE_API
+    using Sink = std::function<void(const ZoLogRecord&)>;
     // Host only: replaces the destination of records (tests capture them this
     // way). An empty sink restores the syslog default.
     static void SetSink(Sink sink);
+#endif
 };
 
 // ---------------------------------------------------------------------------
@@ -70,7 +77,9 @@ public:
 // for ever.
 class ZoFile {
 public:
+#ifndef ZO_TV_SUPPORT_DEVICE_API
     static constexpr size_t kMaxRowLength = 4096;
+#endif
 
     ZoFile();
     // Closes the file.

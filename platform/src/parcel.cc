@@ -92,7 +92,7 @@ status_t Parcel::writeString16(const String16& text)
         const int32_t count = static_cast<int32_t>(text.size());
         block.resize(sizeof count + (text.size() + 1) * sizeof(char16_t), 0);
         std::memcpy(block.data(), &count, sizeof count);
-        std::memcpy(block.data() + sizeof count, text.c_str(), text.size() * sizeof(char16_t));
+        std::memcpy(block.data() + sizeof count, text.string(), text.size() * sizeof(char16_t));
     } catch (const std::bad_alloc&) {
         return NO_MEMORY;
     }

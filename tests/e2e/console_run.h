@@ -23,7 +23,7 @@
 #include <vector>
 
 #include "pty_session.h"
-#include "sim_harness.h"
+#include "sim_process.h"
 #include "temp_dir.h"
 
 // Two modules: Formats has one command per format letter, the same letter for
@@ -170,7 +170,7 @@ private:
         return true;
     }
 
-    Sim m_sim;
+    SimProcess m_sim;
     PtySession m_pty;  // after m_sim: the console ends before its service
 };
 

@@ -42,6 +42,12 @@ std::string KeyPart(const std::string& text)
     return key;
 }
 
+// " (at most N)": a row limit of the console's reader.
+std::string AtMost(size_t limit)
+{
+    return " (at most " + std::to_string(limit) + ")";
+}
+
 // "mods.conf" out of "DIR/mods.conf".
 std::string BaseName(const std::string& path)
 {
@@ -126,8 +132,8 @@ void ConfRecorder::OnBlockEndedEarly(const char* file, int row, const std::strin
     const std::string block = "block '" + m_blockName + "' (line " + std::to_string(m_blockRow) + ")";
     if (keyTooLong) {
         m_diagnostics.Error(path, row,
-                            "the text before \"=\" is " + std::to_string(text.find('=')) +
-                                " characters long (at most 255), so the row is no key row: it ends " + block);
+                            "the text before \"=\" is " + std::to_string(text.find('=')) + " characters long" +
+                                AtMost(ZoFileParse::kMaxKeyPart) + ", so the row is no key row: it ends " + block);
     } else if (MeantAsKeyRow(text)) {
         m_diagnostics.Error(
             path, row,
@@ -173,7 +179,8 @@ void ConfRecorder::OnLongTitleRow(const char* file, int row, const std::string& 
     if (!title.empty() && title.front() == '[' && title.back() == ']') {
         m_diagnostics.Error(
             path, row,
-            "block title of " + std::to_string(length) + " characters is too long (at most 255): no block opens here");
+            "block title of " + std::to_string(length) + " characters is too long" +
+                AtMost(ZoFileParse::kMaxTitleRow) + ": no block opens here");
     }
 }
 
@@ -181,8 +188,8 @@ void ConfRecorder::OnValueTooLong(const char* file, int row, Key key, size_t len
 {
     m_diagnostics.Error(Follow(file), row,
                         std::string("the text after \"=\" of \"") + KeyName(key) + "\" is " +
-                            std::to_string(length - 1) + " characters long (at most 254): the console takes " +
-                            (key == Key::kInstruction ? "0" : "an empty value"));
+                            std::to_string(length) + " characters long" + AtMost(ZoFileParse::kMaxValue) +
+                            ": the console takes " + (key == Key::kInstruction ? "0" : "an empty value"));
 }
 
 void ConfRecorder::OnValueCut(const char* file, int row, Key key)

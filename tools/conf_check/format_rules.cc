@@ -1,8 +1,10 @@
 // Format letters and print tags of a command.
 #include "format_rules.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
+
+#include "zo_format_letters.h"
 
 namespace
 {
@@ -20,18 +22,27 @@ std::string Shown(char letter)
 }
 
 // Reports the first letter the console does not know (an error, since it
-// refuses the whole format) or else an S (a warning). consequence says what
-// the console does with an unknown letter.
+// refuses the whole format) or else a letter it does not support (a
+// warning). consequence says what the console does with an unknown letter.
 void CheckLetters(const std::string& path, int row, const char* key, const std::string& format,
                   const std::string& consequence, const std::string& sConsequence, ConfDiagnostics& diagnostics)
 {
     const std::string what = std::string("\"") + key + "\" '" + format + "'";
-    const size_t bad = format.find_first_not_of("dDfFsS");
+    const size_t bad = format.find_first_not_of(kZoFormatLetters);
+    const auto unsupported = std::find_if(format.begin(), format.end(), [](char c) {
+        const ZoFormatLetter* letter = ZoFormatLetterOf(c);
+        return letter != nullptr && !letter->supported;
+    });
     if (bad != std::string::npos) {
+        std::string letters;
+        for (const char* letter = kZoFormatLetters; *letter != '\0'; ++letter) {
+            letters += std::string(letters.empty() ? "" : " ") + *letter;
+        }
         diagnostics.Error(path, row,
-                          what + ": " + Shown(format[bad]) + " is no format letter (d D f F s S): " + consequence);
-    } else if (format.find('S') != std::string::npos) {
-        diagnostics.Warning(path, row, what + ": the letter S is not supported: " + sConsequence);
+                          what + ": " + Shown(format[bad]) + " is no format letter (" + letters + "): " + consequence);
+    } else if (unsupported != format.end()) {
+        diagnostics.Warning(path, row,
+                            what + ": the letter " + *unsupported + " is not supported: " + sConsequence);
     }
 }
 

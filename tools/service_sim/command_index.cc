@@ -19,28 +19,26 @@ std::string Hex(int32_t code)
 
 void CommandIndex::Build(const ZoFileParse& catalogue, std::vector<std::string>& warnings)
 {
-    const Array<std::string> modules = catalogue.GetModNames();
     // Modules that share a code share one command table: visit each table once.
+    // The lists are walked, never indexed: a position costs a walk from the front.
     std::set<int32_t> seenModCodes;
-    for (unsigned m = 0; m < modules.Size(); ++m) {
-        const std::string& module = modules[m];
+    for (const std::string& module : catalogue.GetModNames()) {
         const int32_t modCode = catalogue.GetModInstruct(module);
         if (!seenModCodes.insert(modCode).second) {
             continue;
         }
-        const Array<std::string> words = catalogue.GetModHoldCmds(modCode);
-        for (unsigned w = 0; w < words.Size(); ++w) {
+        for (const std::string& word : catalogue.GetModHoldCmds(modCode)) {
             SimCommand cmd;
             cmd.module = module;
-            cmd.word = words[w];
-            cmd.instruct = catalogue.GetCmdInstruct(modCode, cmd.word);
-            cmd.paraFmt = catalogue.GetCmdParaFmt(modCode, cmd.word);
-            cmd.printFmt = catalogue.GetCmdPrintFmt(modCode, cmd.word);
+            cmd.word = word;
+            cmd.instruct = catalogue.GetCmdInstruct(modCode, word);
+            cmd.paraFmt = catalogue.GetCmdParaFmt(modCode, word);
+            cmd.printFmt = catalogue.GetCmdPrintFmt(modCode, word);
             if (Add(cmd)) {
                 continue;
             }
             const SimCommand& first = m_byCode.at(cmd.instruct);
-            warnings.push_back("instruction " + Hex(cmd.instruct) + " of '" + cmd.word + "' (" + module +
+            warnings.push_back("instruction " + Hex(cmd.instruct) + " of '" + word + "' (" + module +
                                ") is taken by '" + first.word + "' (" + first.module + "), which answers it");
         }
     }

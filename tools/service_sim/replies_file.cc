@@ -6,6 +6,8 @@
 #include <binder/Parcel.h>
 
 #include "reply_encoder.h"
+#include "zo_format_letters.h"
+#include "zo_shm_page.h"
 
 namespace {
 
@@ -123,7 +125,8 @@ bool RepliesFile::ParseLine(const std::string& line, const CommandIndex& index, 
 
     std::string letters;
     for (char c : cmd->printFmt) {
-        if (c != 'S') {
+        const ZoFormatLetter* format = ZoFormatLetterOf(c);
+        if (format == nullptr || format->supported) {
             letters += c;
         }
     }
@@ -140,8 +143,9 @@ bool RepliesFile::ParseLine(const std::string& line, const CommandIndex& index, 
             return false;
         }
     }
-    if (reply.dataSize() > kMaxReplyBytes) {
-        error = "the reply takes " + std::to_string(reply.dataSize()) + " bytes, more than 4088";
+    if (reply.dataSize() > SHM_DATA_SIZE) {
+        error = "the reply takes " + std::to_string(reply.dataSize()) + " bytes, more than " +
+                std::to_string(SHM_DATA_SIZE);
         return false;
     }
     m_replies[code] = ParcelBytes(reply);

@@ -2,6 +2,11 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <map>
+
+#include <utils/String16.h>
+
+#include "zo_format_letters.h"
 
 namespace {
 
@@ -18,18 +23,17 @@ bool WholeWord(const std::string& text, Conv conv, T& out)
     return errno == 0 && end != nullptr && *end == '\0';
 }
 
+bool WholeInteger(const std::string& text, long long& value)
+{
+    return WholeWord<long long>(text, [](const char* s, char** e) { return std::strtoll(s, e, 0); }, value);
+}
+
 }  // namespace
 
 bool ParseInt32Word(const char* text, int32_t& value)
 {
-    if (text == nullptr) {
-        return false;
-    }
     long long v = 0;
-    if (!WholeWord<long long>(text, [](const char* s, char** e) { return std::strtoll(s, e, 0); }, v)) {
-        return false;
-    }
-    if (v < INT32_MIN || v > static_cast<long long>(UINT32_MAX)) {
+    if (text == nullptr || !WholeInteger(text, v) || v < INT32_MIN || v > static_cast<long long>(UINT32_MAX)) {
         return false;
     }
     value = static_cast<int32_t>(static_cast<uint32_t>(v));
@@ -38,47 +42,34 @@ bool ParseInt32Word(const char* text, int32_t& value)
 
 bool AppendValue(char letter, const std::string& text, android::Parcel& reply)
 {
-    switch (letter) {
-    case 'd': {
-        long long v = 0;
-        if (!WholeWord<long long>(text, [](const char* s, char** e) { return std::strtoll(s, e, 0); }, v) ||
-            v < INT32_MIN || v > INT32_MAX) {
-            return false;
-        }
-        return reply.writeInt32(static_cast<int32_t>(v)) == android::NO_ERROR;
-    }
-    case 'D': {
-        long long v = 0;
-        if (!WholeWord<long long>(text, [](const char* s, char** e) { return std::strtoll(s, e, 0); }, v)) {
-            return false;
-        }
-        return reply.writeInt64(static_cast<int64_t>(v)) == android::NO_ERROR;
-    }
-    case 'f': {
-        float v = 0;
-        if (!WholeWord<float>(text, [](const char* s, char** e) { return std::strtof(s, e); }, v)) {
-            return false;
-        }
-        return reply.writeFloat(v) == android::NO_ERROR;
-    }
-    case 'F': {
-        double v = 0;
-        if (!WholeWord<double>(text, [](const char* s, char** e) { return std::strtod(s, e); }, v)) {
-            return false;
-        }
-        return reply.writeDouble(v) == android::NO_ERROR;
-    }
-    case 's': {
-        // String16 turns invalid UTF-8 into an empty text; refuse that rather than send it.
-        const android::String16 units(text.c_str(), text.size());
-        if (units.size() == 0 && !text.empty()) {
-            return false;
-        }
-        return reply.writeString16(units) == android::NO_ERROR;
-    }
-    default:
+    const ZoFormatLetter* format = ZoFormatLetterOf(letter);
+    if (format == nullptr || !format->supported) {
         return false;
     }
+    ZoFormatValue value;
+    long long integer = 0;
+    float single = 0;
+    bool parsed = false;
+    switch (format->kind) {
+    case ZoFormatKind::kInteger:
+        parsed = WholeInteger(text, integer) && (format->wide || (integer >= INT32_MIN && integer <= INT32_MAX));
+        value.integer = integer;
+        break;
+    case ZoFormatKind::kReal:
+        if (format->wide) {
+            parsed = WholeWord<double>(text, [](const char* s, char** e) { return std::strtod(s, e); }, value.real);
+        } else {
+            parsed = WholeWord<float>(text, [](const char* s, char** e) { return std::strtof(s, e); }, single);
+            value.real = single;
+        }
+        break;
+    case ZoFormatKind::kText:
+        // String16 gives an empty text for UTF-8 whose last sequence is cut off; refuse that rather than send it.
+        parsed = text.empty() || android::String16(text.c_str(), text.size()).size() != 0;
+        value.text = text;
+        break;
+    }
+    return parsed && format->write(reply, value) == android::NO_ERROR;
 }
 
 std::vector<uint8_t> ParcelBytes(const android::Parcel& parcel)
@@ -89,16 +80,14 @@ std::vector<uint8_t> ParcelBytes(const android::Parcel& parcel)
 
 std::vector<uint8_t> BuiltInReply(const std::string& printFmt)
 {
+    static const std::map<char, std::string> kBuiltIn = {
+        {'d', "42"}, {'D', "9000000000"}, {'f', "1.5"}, {'F', "2.25"}, {'s', "sim"}};
     android::Parcel reply;
     reply.writeInt32(0);
     for (char letter : printFmt) {
-        switch (letter) {
-        case 'd': reply.writeInt32(42); break;
-        case 'D': reply.writeInt64(INT64_C(9000000000)); break;
-        case 'f': reply.writeFloat(1.5f); break;
-        case 'F': reply.writeDouble(2.25); break;
-        case 's': reply.writeString16(android::String16("sim")); break;
-        default: break;  // S, or a letter the console rejects anyway
+        const auto value = kBuiltIn.find(letter);
+        if (value != kBuiltIn.end()) {
+            AppendValue(letter, value->second, reply);
         }
     }
     return ParcelBytes(reply);

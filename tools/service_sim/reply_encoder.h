@@ -1,6 +1,6 @@
 // Reply payloads: a 32-bit status, then values laid out as the console's
-// printer reads them by a command's print format (d int32, D int64, f float,
-// F double, s String16). S has no value: the console reads nothing for it.
+// printer reads them by a command's print format (zo_format_letters.h). S has
+// no value: the console reads nothing for it.
 #ifndef ZO_TOOLS_SERVICE_SIM_REPLY_ENCODER_H
 #define ZO_TOOLS_SERVICE_SIM_REPLY_ENCODER_H
 
@@ -9,9 +9,6 @@
 #include <vector>
 
 #include <binder/Parcel.h>
-
-// The largest reply the page holds behind its 8-byte header.
-constexpr uint32_t kMaxReplyBytes = 4088;
 
 // Status for an instruction code that no command of the catalogue has.
 constexpr int32_t kStatusUnknownCode = -1;

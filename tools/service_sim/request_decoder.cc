@@ -5,7 +5,8 @@
 #include <cstdlib>
 
 #include <binder/Parcel.h>
-#include <utils/String8.h>
+
+#include "zo_format_letters.h"
 
 namespace {
 
@@ -23,67 +24,36 @@ std::string ShortestFloat(T value)
     return text;
 }
 
-// Reads one value of the letter from the request. False with a reason when
-// the bytes left do not hold it.
-bool DecodeValue(char letter, const android::Parcel& request, std::string& out, std::string& reason)
+// Reads one value of the letter from the request as the line shows it.
+// False with a reason when the bytes left do not hold it.
+bool DecodeValue(const ZoFormatLetter* format, char letter, const android::Parcel& request, std::string& out,
+                 std::string& reason)
 {
-    const size_t avail = request.dataAvail();
-    const std::string nothingLeft = std::string("nothing left for '") + letter + "'";
-    char text[32];
-    switch (letter) {
-    case 'd':
-        if (avail < 4) {
-            reason = nothingLeft;
-            return false;
-        }
-        std::snprintf(text, sizeof text, "%" PRId32, request.readInt32());
-        out = text;
-        return true;
-    case 'D':
-        if (avail < 8) {
-            reason = nothingLeft;
-            return false;
-        }
-        std::snprintf(text, sizeof text, "%" PRId64, request.readInt64());
-        out = text;
-        return true;
-    case 'f':
-        if (avail < 4) {
-            reason = nothingLeft;
-            return false;
-        }
-        out = ShortestFloat(request.readFloat());
-        return true;
-    case 'F':
-        if (avail < 8) {
-            reason = nothingLeft;
-            return false;
-        }
-        out = ShortestFloat(request.readDouble());
-        return true;
-    case 's': {
-        if (avail < 4) {
-            reason = nothingLeft;
-            return false;
-        }
-        // The reader yields an empty text for a broken block as well as for
-        // "": the count tells them apart.
-        const size_t start = request.dataPosition();
-        const int32_t count = request.readInt32();
-        request.setDataPosition(start);
-        const android::String16 units = request.readString16();
-        if (count != 0 && units.size() == 0) {
-            reason = "broken string for 's'";
-            return false;
-        }
-        const android::String8 utf8(units);
-        out = QuoteText(std::string(utf8.c_str(), utf8.size()));
-        return true;
-    }
-    default:
+    ZoFormatValue value;
+    if (format == nullptr) {
         reason = std::string("parameter format letter '") + letter + "' has no encoding";
+    } else if (request.dataAvail() < format->width) {
+        reason = std::string("nothing left for '") + letter + "'";
+    } else if (!format->read(request, value)) {
+        reason = std::string("broken string for '") + letter + "'";
+    }
+    if (!reason.empty()) {
         return false;
     }
+    char text[32];
+    switch (format->kind) {
+    case ZoFormatKind::kInteger:
+        std::snprintf(text, sizeof text, "%" PRId64, value.integer);
+        out = text;
+        break;
+    case ZoFormatKind::kReal:
+        out = format->wide ? ShortestFloat(value.real) : ShortestFloat(static_cast<float>(value.real));
+        break;
+    case ZoFormatKind::kText:
+        out = QuoteText(value.text);
+        break;
+    }
+    return true;
 }
 
 }  // namespace
@@ -130,11 +100,12 @@ DecodedRequest DecodeRequest(const std::vector<uint8_t>& bytes, const CommandInd
     result.line = result.command->word;
     std::string reason;
     for (char letter : result.command->paraFmt) {
-        if (letter == 'S') {
+        const ZoFormatLetter* format = ZoFormatLetterOf(letter);
+        if (format != nullptr && !format->supported) {
             continue;  // the console sends nothing for it
         }
         std::string value;
-        if (!DecodeValue(letter, request, value, reason)) {
+        if (!DecodeValue(format, letter, request, value, reason)) {
             break;
         }
         result.line += ' ';

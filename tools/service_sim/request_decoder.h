@@ -2,8 +2,7 @@
 // prints and the command that should answer it.
 //
 // A request is the command's own instruction code (int32), then one value per
-// letter of its parameter format: d int32, D int64, f float, F double,
-// s String16; S has no value. The line is the command word followed by the
+// letter of its parameter format (zo_format_letters.h); S has no value. The line is the command word followed by the
 // values, blank-separated: numbers in decimal (floats in the shortest form
 // that reads back exactly), strings in double quotes with ", \ and control
 // bytes escaped.

@@ -3,6 +3,7 @@
 #include <ctime>
 
 #include "reply_encoder.h"
+#include "zo_shm_page.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ ServiceSim::ServiceSim(const SimOptions& opts, const CommandIndex& index, const 
 void ServiceSim::Serve(const volatile sig_atomic_t& stop)
 {
     while (stop == 0) {
-        if (m_page.RequestPending()) {
+        if (ShmRequestPending(ShmLoadFlag(m_page.Page()))) {
             ServeOne(stop);
         } else {
             SleepUnlessStopped(kPollMs, stop);
@@ -29,29 +30,32 @@ void ServiceSim::Serve(const volatile sig_atomic_t& stop)
 
 void ServiceSim::ServeOne(const volatile sig_atomic_t& stop)
 {
-    const uint32_t size = m_page.RequestSize();
+    void* page = m_page.Page();
+    const uint32_t size = ShmLoadSize(page);
     DecodedRequest request;
-    if (size > SharedPage::kPayloadSize) {
-        request.line = "bad request: u32Size " + std::to_string(size) + " is more than 4088";
+    if (size > SHM_DATA_SIZE) {
+        request.line =
+            "bad request: u32Size " + std::to_string(size) + " is more than " + std::to_string(SHM_DATA_SIZE);
     } else {
-        request = DecodeRequest(m_page.Payload(size), m_index);
+        request = DecodeRequest(std::vector<uint8_t>(ShmPayloadOf(page), ShmPayloadOf(page) + size), m_index);
     }
     std::fprintf(m_out, "%s\n", request.line.c_str());
     std::fflush(m_out);
 
     if (m_opts.noReply) {
-        m_page.DropRequest();
+        // The request bit goes, so that the next request can be told apart from this one.
+        ShmStoreFlag(page, ShmLoadFlag(page) & ~SHM_FLAG_REQUEST);
         return;
     }
     if (!SleepUnlessStopped(m_opts.delayMs, stop)) {
         return;
     }
     std::vector<uint8_t> reply = ChooseReply(request);
-    if (reply.size() > kMaxReplyBytes) {
+    if (reply.size() > SHM_DATA_SIZE) {
         reply = StatusReply(kStatusBadRequest);
     }
     const uint32_t claimed = m_opts.forceSize ? m_opts.sizeValue : static_cast<uint32_t>(reply.size());
-    m_page.PostReply(reply, claimed);
+    ShmPostReply(page, reply.data(), reply.size(), claimed);
 }
 
 std::vector<uint8_t> ServiceSim::ChooseReply(const DecodedRequest& request)

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "reply_encoder.h"
+#include "zo_shm_page.h"
 
 namespace {
 
@@ -100,8 +101,8 @@ bool ParseSimOptions(int argc, char* const argv[], SimOptions& opts, std::string
             opts.forceStatus = true;
             ++faultModes;
         } else if (arg == "--garbage") {
-            if (!ParseUnsigned(text, kMaxReplyBytes - 4, n)) {
-                error = "--garbage takes a byte count (0 to 4084)";
+            if (!ParseUnsigned(text, SHM_DATA_SIZE - 4, n)) {
+                error = "--garbage takes a byte count (0 to " + std::to_string(SHM_DATA_SIZE - 4) + ")";
                 return false;
             }
             opts.garbage = true;

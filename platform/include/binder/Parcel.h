@@ -1,5 +1,6 @@
 // Host stand-in for android::Parcel, used as a flat in-memory encoder and
-// decoder only.
+// decoder only. It offers only calls that the platform's Parcel has, with the
+// same signatures; strings are the platform's own String16 (libutils).
 //
 // Byte layout, identical to the device's (little-endian there and here):
 // every value starts 4-byte aligned and every write is zero-padded to a

@@ -1,148 +1,126 @@
 // zo_service_sim as a real second process on a real mapped page.
 #include <gtest/gtest.h>
 
-#include "sim_harness.h"
+#include "hex_words.h"
+#include "sim_process.h"
 
 namespace {
 
 // 'rename' shares the code 0x11 with 'count' and loses: Channel sorts first.
-struct ExampleSim : Sim {
-    ExampleSim()
-        : Sim("[Channel]\ninstruction = 0x10\n[Picture]\ninstruction = 0x20\n",
+void WriteCatalogue(const TempDir& dir)
+{
+    dir.Write("mods.conf", "[Channel]\ninstruction = 0x10\n[Picture]\ninstruction = 0x20\n");
+    dir.Write("cmds.conf",
               "[a]\ncommand = count\nbelong module = Channel\ninstruction = 0x11\nprint format = d\n"
               "[b]\ncommand = info\nbelong module = Channel\ninstruction = 0x12\npara format = dDfFsS\n"
-              "print format = dDfFsS\n"
-              "[c]\ncommand = rename\nbelong module = Picture\ninstruction = 0x11\npara format = s\n")
-    {
-    }
-};
+              "print format = dDfFsS\n[c]\ncommand = rename\nbelong module = Picture\ninstruction = 0x11\n"
+              "[d]\ncommand = bad\nbelong module = Channel\ninstruction = 0x13\npara format = dx\n"
+              "[e]\ncommand = name\nbelong module = Channel\ninstruction = 0x14\npara format = sSs\n");
+}
 
-const Bytes kCount = Ints({0x11});
+const char kCount[] = "11000000";
 
 }  // namespace
 
-TEST(ServiceSim, DecodesEachLetterAndAnswersBuiltInValues)
+TEST(ServiceSim, DecodesEachRequestAndAnswersIt)
 {
-    ExampleSim sim;
-    ASSERT_TRUE(sim.Start()) << "no .tv of 4096 bytes";
-    EXPECT_EQ(sim.Ask(Encode([](android::Parcel& p) {
-                  p.writeInt32(0x12);
-                  p.writeInt32(-5);
-                  p.writeInt64(-9000000000);
-                  p.writeFloat(0.1f);
-                  p.writeDouble(2.25);
-                  p.writeString16(android::String16("a\"b\tc"));
-              })),
-              "info -5 -9000000000 0.1 2.25 \"a\\\"b\\x09c\"");
-    EXPECT_EQ(sim.Reply(), Encode([](android::Parcel& p) {
-                  p.writeInt32(0);
-                  p.writeInt32(42);
-                  p.writeInt64(9000000000);
-                  p.writeFloat(1.5f);
-                  p.writeDouble(2.25);
-                  p.writeString16(android::String16("sim"));
-              }));
-    EXPECT_EQ(sim.Flag(), 3u) << "the request bit stays";
-
-    // The next request clears the old reply bit; the shared code goes to the first command.
-    EXPECT_EQ(sim.Ask(kCount), "count");
-    EXPECT_EQ(sim.Reply(), Ints({0, 42}));
+    SimProcess sim;
+    WriteCatalogue(sim.dir);
+    const std::string replies = sim.dir.Write("replies", "# code status values\n0x11 0 7 8\n0x12 0x80000001\n");
+    sim.dir.Write(".tv", "short");  // grown to a page
+    const struct {
+        std::vector<std::string> options;
+        std::string request;
+        uint32_t size;  // u32Size; 0 for the request's length
+        std::string line;
+        std::string reply;
+        uint32_t claimed;  // u32Size of the reply; 0 for its length
+    } cases[] = {
+        {{}, "12000000 fbffffff 00e68ee7 fdffffff cdcccc3d 00000000 00000240 05000000 61002200 62000900 63000000", 0,
+         "info -5 -9000000000 0.1 2.25 \"a\\\"b\\x09c\"",
+         "00000000 2a000000 001a7118 02000000 0000c03f 00000000 00000240 03000000 73006900 6d000000", 0},
+        {{}, kCount, 0, "count", "00000000 2a000000", 0},
+        {{}, "99000000", 0, "unknown instruction 0x99 (4 bytes)", "ffffffff", 0},
+        {{}, kCount, 5000, "bad request: u32Size 5000 is more than 4088", "feffffff", 0},
+        {{}, "0100", 0, "bad request: 2 bytes, too short for an instruction code", "feffffff", 0},
+        {{}, "14000000 00000000 00000000 02000000 5c007f00 00000000", 0, "name \"\" \"\\\\\\x7f\"", "00000000", 0},
+        {{}, "14000000 64000000", 0, "name [bad request: broken string for 's']", "feffffff", 0},
+        {{}, "13000000 01000000", 0, "bad 1 [bad request: parameter format letter 'x' has no encoding]", "feffffff", 0},
+        {{}, "12000000 01000000", 0, "info 1 [bad request: nothing left for 'D']", "feffffff", 0},
+        {{}, "11000000 01000000", 0, "count [bad request: 4 bytes left over]", "feffffff", 0},
+        {{"--replies", replies}, kCount, 0, "count", "00000000 07000000 08000000", 0},
+        {{"--replies", replies}, "12000000 01000000 02000000 00000000 00004040 00000000 00001040 00000000 00000000",
+         0, "info 1 2 3 4 \"\"", "01000080", 0},
+        {{"--status", "0x80000001"}, kCount, 0, "count", "01000080", 0},
+        {{"--status", "0x80000001"}, "99000000", 0, "unknown instruction 0x99 (4 bytes)", "ffffffff", 0},
+        {{"--size", "4294967295"}, kCount, 0, "count", "00000000 2a000000", 0xffffffff},
+        {{"--garbage", "8"}, kCount, 0, "count", "00000000 f74affd8 1ee5d665", 0},  // the same bytes every run
+    };
+    for (const auto& c : cases) {
+        ASSERT_TRUE(sim.Use(c.options)) << sim.Errors();
+        const Bytes request = FromHex(c.request);
+        sim.Post(request, c.size != 0 ? c.size : uint32_t(request.size()));
+        EXPECT_EQ(c.line, sim.ReadLine());
+        const Bytes reply = sim.Reply();
+        const size_t length = FromHex(c.reply).size();
+        EXPECT_EQ(c.reply, HexWords(reply.data(), std::min(length, reply.size()))) << c.line;
+        EXPECT_EQ(c.claimed != 0 ? c.claimed : length, ShmLoadSize(sim.Page())) << c.line;
+        EXPECT_EQ(SHM_FLAG_REQUEST | SHM_FLAG_REPLY, ShmLoadFlag(sim.Page())) << "the request bit stays";
+    }
     EXPECT_NE(sim.Errors().find("instruction 0x11 of 'rename' (Picture) is taken by 'count' (Channel)"),
               std::string::npos);
-    EXPECT_EQ(sim.Ask(Ints({0x99})), "unknown instruction 0x99 (4 bytes)");
-    EXPECT_EQ(sim.Reply(), Ints({-1}));
-    sim.Post(kCount, 5000);
-    EXPECT_EQ(sim.ReadLine(), "bad request: u32Size 5000 is more than 4088");
-    EXPECT_EQ(sim.Reply(), Ints({-2}));
 }
 
-TEST(ServiceSim, AnswersFromRepliesFileAndGrowsShortPage)
+TEST(ServiceSim, DelayAndNoReplyHoldTheAnswerBackAndSignalsEndIt)
 {
-    ExampleSim sim;
-    const std::string replies = sim.dir.Write("replies", "# code status values\n0x11 0 7 8\n0x12 0x80000001\n");
-    sim.dir.Write(".tv", "short");
-    ASSERT_TRUE(sim.Start({"--replies", replies})) << "a short .tv is grown to 4096 bytes";
-    EXPECT_EQ(sim.Ask(kCount), "count");
-    EXPECT_EQ(sim.Reply(), Ints({0, 7, 8}));
-    EXPECT_EQ(sim.Ask(Encode([](android::Parcel& p) {
-                  p.writeInt32(0x12);
-                  p.writeInt32(1);
-                  p.writeInt64(2);
-                  p.writeFloat(3);
-                  p.writeDouble(4);
-                  p.writeString16(android::String16(""));
-              })),
-              "info 1 2 3 4 \"\"");
-    EXPECT_EQ(sim.Reply(), Ints({static_cast<int32_t>(0x80000001u)}));
-}
-
-TEST(ServiceSim, DelayAndNoReplyHoldTheAnswerBack)
-{
-    ExampleSim sim;
+    SimProcess sim;
+    WriteCatalogue(sim.dir);
     ASSERT_TRUE(sim.Start({"--delay", "300"}));
     const auto posted = Clock::now();
-    EXPECT_EQ(sim.Ask(kCount), "count") << "the line comes before the delay";
+    sim.Post(FromHex(kCount), 4);
+    EXPECT_EQ("count", sim.ReadLine()) << "the line comes before the delay";
     ASSERT_TRUE(sim.WaitReply());
-    EXPECT_GE(Clock::now() - posted, milliseconds(300));
-
+    EXPECT_GE(Clock::now() - posted, SimProcess::Ms(300));
+    EXPECT_EQ(0, sim.Signal(SIGTERM));
     ASSERT_TRUE(sim.Start({"--no-reply"}));
-    EXPECT_EQ(sim.Ask(kCount), "count");
-    EXPECT_FALSE(sim.WaitReply(milliseconds(200)));
-    EXPECT_EQ(sim.Flag(), 0u) << "the request bit is cleared so a new request stands out";
-    EXPECT_EQ(sim.Ask(kCount), "count");
-    EXPECT_EQ(sim.ReadLine(milliseconds(100)), "<timeout>") << "each request is taken once";
-}
-
-TEST(ServiceSim, StatusSizeAndGarbageFaults)
-{
-    ExampleSim sim;
-    ASSERT_TRUE(sim.Start({"--status", "0x80000001"}));
-    sim.Ask(kCount);
-    EXPECT_EQ(sim.Reply(), Ints({static_cast<int32_t>(0x80000001u)}));
-    sim.Ask(Ints({0x99}));
-    EXPECT_EQ(sim.Reply(), Ints({-1})) << "an unknown code keeps its own status";
-
-    ASSERT_TRUE(sim.Start({"--size", "4294967295"}));
-    sim.Ask(kCount);
-    const Bytes claimed = sim.Reply();
-    EXPECT_EQ(sim.Size(), 0xffffffffu);
-    ASSERT_EQ(claimed.size(), 4088u);
-    EXPECT_EQ(Bytes(claimed.begin(), claimed.begin() + 8), Ints({0, 42})) << "the payload is the real reply";
-
-    ASSERT_TRUE(sim.Start({"--garbage", "16"}));
-    sim.Ask(kCount);
-    const Bytes reply = sim.Reply();
-    ASSERT_EQ(reply.size(), 20u);
-    EXPECT_EQ(Bytes(reply.begin(), reply.begin() + 4), Ints({0}));
-    EXPECT_NE(Bytes(reply.begin() + 4, reply.end()), Bytes(16, 0));
-}
-
-TEST(ServiceSim, EndsWithZeroOnSigtermAndSigint)
-{
-    ExampleSim sim;
-    ASSERT_TRUE(sim.Start());
-    const int status = sim.Signal(SIGTERM);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "wait status " << status;
-    // Also in the middle of a long delay.
+    for (int repeat = 0; repeat < 2; ++repeat) {  // an identical repeat is seen again
+        sim.Post(FromHex(kCount), 4);
+        EXPECT_EQ("count", sim.ReadLine());
+        EXPECT_FALSE(sim.WaitReply(SimProcess::Ms(200)));
+        EXPECT_EQ(0u, ShmLoadFlag(sim.Page())) << "the request bit is cleared so a new request stands out";
+    }
+    EXPECT_EQ("<timeout>", sim.ReadLine(SimProcess::Ms(100))) << "each request is taken once";
     ASSERT_TRUE(sim.Start({"--delay", "60000"}));
-    EXPECT_EQ(sim.Ask(kCount), "count");
-    const int interrupted = sim.Signal(SIGINT);
-    EXPECT_TRUE(WIFEXITED(interrupted) && WEXITSTATUS(interrupted) == 0) << "wait status " << interrupted;
+    sim.Post(FromHex(kCount), 4);
+    EXPECT_EQ("count", sim.ReadLine());
+    EXPECT_EQ(0, sim.Signal(SIGINT)) << "also in the middle of a delay";
 }
 
-TEST(ServiceSim, BadArgumentsGiveUsageAndExitTwo)
+// A bad option or replies file stops the simulator at start-up with status 2.
+TEST(ServiceSim, BadArgumentsAndRepliesFilesExitWithTwo)
 {
-    ExampleSim sim;
+    SimProcess sim;
+    WriteCatalogue(sim.dir);
     const std::string d = sim.dir.Path();
-    const std::string badReplies = sim.dir.Write("replies", "0x99 0\n");
-    const std::vector<std::vector<std::string>> cases = {
-        {},  {d, "--bogus"}, {d, "--delay"}, {d, "--delay", "1x"}, {d, "--garbage", "4085"}, {d, "--size", "-1"},
-        {d, "--no-reply", "--status", "1"}, {d, "extra"}, {sim.dir.File("missing")}, {d, "--replies", badReplies},
+    std::string tooLong = "0x12 0";
+    for (int i = 0; i < 93; ++i) {
+        tooLong += " 1 2 3 4 xxxxxx";  // 44 bytes a row
+    }
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+        {{}, "usage:"}, {{d, "--delay", "1x"}, "usage:"}, {{d, "--garbage", "4085"}, "usage:"},
+        {{d, "--no-reply", "--status", "1"}, "usage:"}, {{d, "extra"}, "usage:"}, {{d + "/none"}, "usage:"},
+        {{"0x99 0"}, "line 1: instruction 0x99 is not a command"}, {{"zz 0"}, "line 1: 'zz' is not an instruction"},
+        {{"0x11 0x100000000"}, "line 1: a status must follow"}, {{"#\n0x11 0\n0x11 1"}, "line 3: instruction 0x11 has"},
+        {{"0x11 0 2147483648"}, "line 1: '2147483648' is not a value for 'd' of 'count'"},
+        {{"0x12 0 1 2 3 4 \"open"}, "no closing quote"}, {{"0x12 0 1 2 3 4 \"a\"b"}, "text right after a closing"},
+        {{"0x14 0 1"}, "line 1: the print format of 'name' takes no values"},
+        {{tooLong}, "line 1: the reply takes 4096 bytes, more than 4088"},
     };
-    for (const auto& args : cases) {
-        const int status = sim.Run(args);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2) << args.size() << " arguments: " << sim.Errors();
-        EXPECT_NE(sim.Errors().find(!args.empty() && args.back() == badReplies ? "line 1:" : "usage:"), std::string::npos)
-            << sim.Errors();
+    for (const auto& c : cases) {
+        const bool replies = c.second != "usage:";
+        const int status = sim.Run(replies ? std::vector<std::string>{d, "--replies", sim.dir.Write("r", c.first[0])}
+                                           : c.first);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2) << c.second << ": " << status;
+        EXPECT_NE(sim.Errors().find(c.second), std::string::npos) << sim.Errors();
     }
 }
