@@ -40,10 +40,16 @@ public:
     std::string SimLine() { return m_sim.ReadLine(std::chrono::milliseconds(5000)); }
     void WritePage() const { Dir().Write(".tv", std::string(4096, '\0')); }
 
+    // Starts the program on a terminal with the system's default settings, which Exit compares with.
+    bool StartProgram(const std::vector<std::string>& args, PtySession::Options options = {})
+    {
+        options.initialTermios = &m_found;
+        return PtySession::DefaultTermios(&m_found) && m_pty.Start(ZO_CMD_DEBUG_HOST_PATH, args, options);
+    }
     // Starts the console on the directory; what it printed before its first prompt.
     std::string StartConsole(const PtySession::Options& options = {})
     {
-        return m_pty.Start(ZO_CMD_DEBUG_HOST_PATH, {Dir().Path()}, options) ? Type("") : "<no start>";
+        return StartProgram({Dir().Path()}, options) ? Type("") : "<no start>";
     }
 
     // Sends keys ("\n" is Enter); the screen up to the next prompt, without it and without carriage returns.
@@ -57,13 +63,19 @@ public:
         return screen.substr(0, screen.size() - 4);
     }
 
-    // How the program ended: "exit N", "signal N", or "running" when it did not in time.
+    // How the program ended: "exit N" or "signal N", with ", terminal raw" when it left the terminal's settings
+    // other than it found them; "running" when it did not end in time.
     std::string Exit()
     {
         int status = 0;
-        return !m_pty.WaitForExit(&status) ? "running"
-               : WIFEXITED(status)         ? "exit " + std::to_string(WEXITSTATUS(status))
-                                           : "signal " + std::to_string(WTERMSIG(status));
+        struct termios now {};
+        if (!m_pty.WaitForExit(&status) || m_pty.GetAttr(&now) != 0) {
+            return "running";
+        }
+        const bool same = now.c_iflag == m_found.c_iflag && now.c_oflag == m_found.c_oflag &&
+                          now.c_lflag == m_found.c_lflag && std::equal(now.c_cc, now.c_cc + NCCS, m_found.c_cc);
+        return (WIFEXITED(status) ? "exit " + std::to_string(WEXITSTATUS(status))
+                                  : "signal " + std::to_string(WTERMSIG(status))) + (same ? "" : ", terminal raw");
     }
 
     PtySession& Pty() { return m_pty; }
@@ -71,6 +83,7 @@ public:
 private:
     SimProcess m_sim;
     PtySession m_pty;  // after m_sim: the console ends before its service
+    struct termios m_found {};
 };
 
 #endif  // ZO_TESTS_E2E_CONSOLE_RUN_H

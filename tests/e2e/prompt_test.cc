@@ -50,9 +50,6 @@ TEST(ConsolePrompt, HelpModulesRefusalsRequestsAndQuit)
     }
     ASSERT_TRUE(run.Pty().Write("Q\n"));
     EXPECT_EQ("exit 0", run.Exit());
-    struct termios after {};
-    ASSERT_EQ(0, run.Pty().GetAttr(&after));
-    EXPECT_EQ(static_cast<tcflag_t>(ICANON | ECHO), after.c_lflag & (ICANON | ECHO)) << "terminal restored";
 }
 
 TEST(ConsoleInput, LinesFromAPipeRunUntilItsEndThenExit0)

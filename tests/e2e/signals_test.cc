@@ -21,5 +21,5 @@ TEST(ConsoleSignals, CtrlZStopsAndFgResumesCtrlCKillsWithSignal9AlsoDuringAWait)
     ASSERT_TRUE(run.Pty().Write("scan\n"));
     ASSERT_EQ("scan", run.SimLine());  // a request the service never answers
     ASSERT_TRUE(run.Pty().Write("\x03"));
-    EXPECT_EQ("signal 9", run.Exit());
+    EXPECT_EQ("signal 9, terminal raw", run.Exit());
 }

@@ -17,7 +17,7 @@ TEST(ConsoleStartup, MissingOrExtraArgumentPrintsUsageAndExits2)
 {
     for (const std::vector<std::string>& args : {std::vector<std::string>{}, std::vector<std::string>{"a", "b"}}) {
         ConsoleRun run;
-        ASSERT_TRUE(run.Pty().Start(ZO_CMD_DEBUG_HOST_PATH, args));
+        ASSERT_TRUE(run.StartProgram(args));
         EXPECT_EQ("exit 2", run.Exit());
         EXPECT_EQ(0u, run.Pty().Screen().find("usage: ")) << run.Pty().Screen();
     }
