@@ -95,6 +95,9 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
 // The file is cut to 0 bytes between two commands.
 TEST(ConsoleEnds, TruncatedSwapFileEndsWith1InsteadOfSigbus)
 {
+    if (std::getenv("ZO_TEST_EMULATOR") != nullptr) {
+        GTEST_SKIP() << "qemu-arm dies of the bus error itself instead of passing it to the program";
+    }
     ConsoleRun run;
     run.WritePage();
     ASSERT_TRUE(run.StartProgram({run.Dir().Path()}));
