@@ -3,6 +3,8 @@
 
 #include <sys/mman.h>
 
+#include <cstdlib>
+
 std::string g_strSwapFile = "/atv/dbg/.tv";
 ZoMutex g_mutex;
 void* g_pShareMem = MAP_FAILED;
@@ -27,6 +29,10 @@ ZoCmdDebug::ZoCmdDebug()
 ZoCmdDebug* ZoCmdDebug::GetInstance()
 {
     if (ms_pInstance == nullptr) {
+        // Armed before the terminal goes raw, so that no moment is left in
+        // which the process can end without putting it back.
+        InstallEndHandlers();
+        std::atexit(ZoStream::RestoreFoundTermios);
         // Lives until the process ends: the signal thread may still reach it
         // while the process is being killed.
         ms_pInstance = new ZoCmdDebug();

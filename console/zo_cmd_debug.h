@@ -78,7 +78,9 @@ int ZoCmdDebugMain(const std::string& dir);
 class ZoCmdDebug {
 public:
     // The one console object, created on first use; creating it puts the
-    // terminal into the line editor's raw mode.
+    // terminal into the line editor's raw mode. From then on every exit of the
+    // process and the end signals (InstallEndHandlers) put the terminal back as
+    // the editor found it; only the Ctrl-C kill leaves it raw.
     static ZoCmdDebug* GetInstance();
 
     // Fields at their defaults; reads nothing and starts nothing.
@@ -94,7 +96,8 @@ public:
     // Maps the shared page, installs the signal handlers, starts the signal
     // thread and runs the prompt loop; restores the terminal and unmaps the
     // page after a normal end. Ends the process with exit(1) when the page
-    // cannot be opened, mapped or unmapped.
+    // cannot be opened, mapped or unmapped, when the swap file is no regular
+    // file of at least a page, and when the signal thread cannot start.
     void Exec();
     // The prompt loop: 0 after "q"/"quit" at the top level or the end of input.
     int DoWork();
@@ -134,6 +137,10 @@ public:
     // steps without a time-out, and prints it. 0 when a reply with status 0
     // was printed; -1 on every failure.
     int CopyCmdToBuf(const char* cmd, android::Parcel& request);
+    // Makes a SIGBUS on the mapped page (its file was truncated meanwhile) end
+    // the process with a message naming the swap file, the terminal restored
+    // and status 1. Any other SIGBUS keeps its default effect.
+    static void GuardPageAgainstTruncation(void* page);
 
     // --- Signals ------------------------------------------------------------------
 
@@ -146,6 +153,12 @@ public:
     static void OnQuit();
     static void OnSuspend();
     static void OnResume();
+    // SIGTERM, SIGHUP, SIGQUIT and SIGPIPE: EndHandler puts the terminal back
+    // as the line editor found it, then ends the process by the same signal,
+    // so that the shell still sees it. A signal the process was started
+    // ignoring (nohup) stays ignored.
+    static void InstallEndHandlers();
+    static void EndHandler(int signo);
 
 private:
     friend class ZoCmdDebugTestPeer;  // lets the unit tests set up a console state

@@ -8,7 +8,9 @@
 #include <cstdio>
 #include <ctime>
 
+#include <signal.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include "zo_cmd_debug.h"
 #include "zo_printer.h"
@@ -88,4 +90,41 @@ int ZoCmdDebug::CopyCmdToBuf(const char* cmd, android::Parcel& request)
     printer.Fmt(printFmt.c_str(), printTags);
     printer.Flush();
     return 0;
+}
+
+// --- A swap file truncated under the mapped page ------------------------------
+//
+// Once the file is shorter than the page, touching the page raises SIGBUS,
+// which would kill the console with the terminal raw. The handler ends the
+// process itself instead, with async-signal-safe calls only; the message is
+// composed beforehand for that reason.
+
+namespace {
+
+uintptr_t g_guardedPage;
+std::string g_truncatedMessage;
+
+void OnBusError(int signo, siginfo_t* info, void* /*context*/)
+{
+    ZoStream::RestoreFoundTermios();
+    const uintptr_t at = reinterpret_cast<uintptr_t>(info->si_addr);
+    if (info->si_code > 0 && at - g_guardedPage < SHM_SIZE) {  // a fault by the kernel, on the page
+        (void)!write(STDOUT_FILENO, g_truncatedMessage.data(), g_truncatedMessage.size());
+        _exit(1);
+    }
+    signal(signo, SIG_DFL);
+    raise(signo);
+}
+
+}  // namespace
+
+void ZoCmdDebug::GuardPageAgainstTruncation(void* page)
+{
+    g_guardedPage = reinterpret_cast<uintptr_t>(page);
+    g_truncatedMessage = "swap file " + g_strSwapFile + " was truncated while mapped: the shared page is lost\n";
+    struct sigaction action = {};
+    action.sa_sigaction = OnBusError;
+    action.sa_flags = SA_SIGINFO;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGBUS, &action, nullptr);
 }

@@ -1,12 +1,18 @@
 // Ctrl-C, Ctrl-Z and resumption. The handlers only record which signal came;
 // the signal thread looks every 10 ms and acts by signalling the console's
 // own process, so nothing but one store happens in signal context.
+//
+// The signals that end a process by default (termination, hang-up, quit from
+// the keyboard, a broken pipe) would leave the terminal raw: their handler
+// puts it back first.
 #include "zo_cmd_debug.h"
 
 #include <signal.h>
 #include <time.h>
 
 #include <cstdio>
+
+#include "zo_stream.h"
 
 void ZoCmdDebug::QuitHandler(int /*signo*/)
 {
@@ -66,4 +72,24 @@ void ZoCmdDebug::OnResume()
     if (kill(ms_pInstance->m_pid, SIGCONT) != 0) {
         perror("OnResume process failed\n");
     }
+}
+
+void ZoCmdDebug::InstallEndHandlers()
+{
+    static const int kEndSignals[] = {SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
+    for (const int signo : kEndSignals) {
+        struct sigaction current;
+        if (sigaction(signo, nullptr, &current) == 0 && current.sa_handler != SIG_IGN) {
+            signal(signo, EndHandler);
+        }
+    }
+}
+
+// Only async-signal-safe calls: one tcsetattr, signal and raise. The raised
+// signal is blocked while the handler runs and ends the process as it returns.
+void ZoCmdDebug::EndHandler(int signo)
+{
+    ZoStream::RestoreFoundTermios();
+    signal(signo, SIG_DFL);
+    raise(signo);
 }

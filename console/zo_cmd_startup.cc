@@ -35,9 +35,44 @@ int ZoCmdDebug::LoadConfig(const std::string& dir)
 
 namespace {
 
+// The kind of a file that cannot back the page, in words.
+const char* KindOf(mode_t mode)
+{
+    if (S_ISDIR(mode)) {
+        return "a directory";
+    }
+    if (S_ISFIFO(mode)) {
+        return "a FIFO";
+    }
+    if (S_ISCHR(mode)) {
+        return "a character device";
+    }
+    if (S_ISBLK(mode)) {
+        return "a block device";
+    }
+    if (S_ISSOCK(mode)) {
+        return "a socket";
+    }
+    return "a special file";
+}
+
+// Ends the process unless mode is a regular file's. Every exit of the console
+// puts the terminal back (GetInstance arranges it).
+void RefuseUnlessRegular(mode_t mode)
+{
+    if (!S_ISREG(mode)) {
+        printf("swap file %s is %s, not a regular file\n", g_strSwapFile.c_str(), KindOf(mode));
+        exit(1);
+    }
+}
+
 // Opens (creating it when missing) and maps the swap file; ends the process
-// when it cannot. A file shorter than the page cannot back it: touching the
-// missing part would kill the console with SIGBUS, so it is refused here.
+// when it cannot. Anything but a regular file is refused before it is opened:
+// a FIFO or a device must not be opened, and cannot back the page anyway. A
+// file shorter than the page cannot back it either: touching the missing part
+// would kill the console with SIGBUS, so it is refused here, and removed again
+// when the console created it, so that a service running as another user can
+// still create its own.
 void* MapSwapFile()
 {
     char resolved[4096];
@@ -45,17 +80,30 @@ void* MapSwapFile()
     // realpath refuses a file that does not exist yet; it is then created under its given name.
     const char* path = realpath(g_strSwapFile.c_str(), resolved) != nullptr ? resolved : g_strSwapFile.c_str();
 
-    const int fd = open(path, O_RDWR | O_CREAT, 0660);
+    struct stat info;
+    if (stat(path, &info) == 0) {
+        RefuseUnlessRegular(info.st_mode);
+    }
+    // O_EXCL tells whether this open created the file.
+    int fd = open(path, O_RDWR | O_CREAT | O_EXCL, 0660);
+    const bool created = fd >= 0;
+    if (!created && errno == EEXIST) {
+        fd = open(path, O_RDWR | O_CREAT, 0660);
+    }
     if (fd < 0) {
         printf("can't open swap file %s, errno = %d\n", g_strSwapFile.c_str(), errno);
         exit(1);
     }
-    struct stat info;
-    if (fstat(fd, &info) == 0 && info.st_size < static_cast<off_t>(SHM_SIZE)) {
-        printf("swap file %s is %lld bytes long, it needs at least %u bytes: start the service first\n",
-               g_strSwapFile.c_str(), static_cast<long long>(info.st_size), static_cast<unsigned int>(SHM_SIZE));
-        close(fd);
-        exit(1);
+    if (fstat(fd, &info) == 0) {
+        RefuseUnlessRegular(info.st_mode);  // replaced since the first look
+        if (info.st_size < static_cast<off_t>(SHM_SIZE)) {
+            printf("swap file %s is %lld bytes long, it needs at least %u bytes: start the service first\n",
+                   g_strSwapFile.c_str(), static_cast<long long>(info.st_size), static_cast<unsigned int>(SHM_SIZE));
+            if (created) {
+                unlink(path);
+            }
+            exit(1);
+        }
     }
     void* page = mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
     close(fd);
@@ -72,11 +120,17 @@ void ZoCmdDebug::Exec()
 {
     m_pid = getpid();
     g_pShareMem = MapSwapFile();
+    GuardPageAgainstTruncation(g_pShareMem);
 
     signal(SIGINT, QuitHandler);
     signal(SIGTSTP, SuspendHandler);
     signal(SIGCONT, ResumeHandler);
-    m_signalThread.Run(2);
+    // Without the thread Ctrl-C would do nothing at all.
+    const int rc = m_signalThread.Run(2);
+    if (rc != 0) {
+        printf("can't start the signal thread: %s\n", strerror(rc));
+        exit(1);
+    }
 
     if (m_pFileParse == nullptr) {
         printf("please load cfg before call <%s>.\n", "Exec");
@@ -84,7 +138,8 @@ void ZoCmdDebug::Exec()
     }
     m_bRunning = ZO_TRUE;
     if (DoWork() != 0) {
-        // The loop broke down: leave the terminal and the page as they are.
+        // The loop broke down: leave the page as it is; the terminal is put
+        // back only as the process ends.
         return;
     }
     m_stream.ResetTermios();

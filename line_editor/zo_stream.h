@@ -35,6 +35,11 @@ public:
     void Init();
     // 0, or the non-zero result of tcsetattr. Restores only settings Init has read.
     int ResetTermios();
+    // Puts back the settings the last Init of any editor read, with one
+    // tcsetattr and nothing else: safe in a signal handler and at exit, where
+    // the console ends without going through ResetTermios. Prints nothing;
+    // does nothing when no Init has read settings.
+    static void RestoreFoundTermios();
 
     // The entered line (in the static buffer), the constant text "TAB" after a
     // completion listing (the caller prints the prompt again and calls Gets

@@ -1,13 +1,20 @@
 // Raw mode: the terminal on standard input is switched in Init and put back in
-// ResetTermios, and nowhere else.
+// ResetTermios, or in RestoreFoundTermios when the process ends another way.
 #include "zo_stream.h"
 
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 
 namespace {
+
+// A copy of the settings Init read, for RestoreFoundTermios: a signal handler
+// cannot reach the editor object. The flag is published after the copy.
+struct termios g_foundTermios;
+std::atomic<bool> g_foundTermiosValid(false);
+static_assert(std::atomic<bool>::is_always_lock_free, "the flag is read in signal handlers");
 
 void ReportTermiosFailure(const char* call, int ret, int err)
 {
@@ -37,6 +44,7 @@ void ZoStream::Init()
 {
     m_itHistory = m_listHistory.end();
     m_bTermiosSaved = false;
+    g_foundTermiosValid.store(false, std::memory_order_release);
     if (isatty(STDIN_FILENO) == 0) {
         return;
     }
@@ -46,6 +54,8 @@ void ZoStream::Init()
         return;
     }
     m_bTermiosSaved = true;
+    g_foundTermios = m_stOldTermios;
+    g_foundTermiosValid.store(true, std::memory_order_release);
 
     m_stNewTermios = m_stOldTermios;
     m_stNewTermios.c_cc[VTIME] = 0;
@@ -69,4 +79,11 @@ int ZoStream::ResetTermios()
         ReportTermiosFailure("tcsetattr", ret, errno);
     }
     return ret;
+}
+
+void ZoStream::RestoreFoundTermios()
+{
+    if (g_foundTermiosValid.load(std::memory_order_acquire)) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &g_foundTermios);
+    }
 }

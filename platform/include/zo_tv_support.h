@@ -13,6 +13,7 @@
 
 #include <cstdarg>
 #include <cstddef>
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
@@ -64,14 +65,16 @@ public:
 };
 
 // ---------------------------------------------------------------------------
-// Row reader: reads a whole text file once at Init and hands it out row by row.
+// Row reader: opens a text file at Init and reads it as its rows are taken, so
+// that it holds at most one row (and a read buffer), however long the file.
 //
 // Rows are split at line feeds and the line feed is removed; a carriage return
 // before it stays in the row. A final line feed does not start another row, and
 // a file of 0 bytes has no rows. Bytes are delivered as they are, NUL bytes
 // included, so a row may hold any byte except the line feed. A row longer than
 // kMaxRowLength bytes is delivered cut to that length; the rest of that line is
-// dropped.
+// dropped. Only a regular file is read: a FIFO or a device could deliver rows
+// for ever.
 class ZoFile {
 public:
 #ifndef ZO_TV_SUPPORT_DEVICE_API
@@ -79,15 +82,18 @@ public:
 #endif
 
     ZoFile();
+    // Closes the file.
     ~ZoFile();
     ZoFile(const ZoFile&) = delete;
     ZoFile& operator=(const ZoFile&) = delete;
 
-    // Opens and reads the file at path; mode is an fopen mode and must read.
+    // Opens the file at path for reading; mode must hold 'r'. Anything but a
+    // regular file is refused with a line on standard output naming it.
     // Returns 0 on success; on failure GetIOExceptionStatus becomes non-zero.
     int Init(const std::string& path, const std::string& mode);
 
-    // Non-zero when the file could not be opened or read.
+    // Non-zero when the file could not be opened or a read failed (the rows
+    // then end where the failure happened).
     int GetIOExceptionStatus() const;
     // True when the file holds no rows.
     bool IsEmpty() const;
@@ -100,10 +106,14 @@ public:
     int RollBack() const;
 
 private:
-    std::vector<std::string> m_rows;
-    int m_ioStatus;
-    // Delivery state changes through the const reading interface.
-    mutable size_t m_next;
+    void Close();
+
+    std::FILE* m_file;
+    bool m_empty;
+    // Reading changes the state through the const reading interface.
+    mutable int m_ioStatus;
+    mutable std::string m_row;  // the row last delivered, kept for RollBack
+    mutable bool m_rowPutBack;  // m_row is the next row to deliver
     mutable bool m_canRollBack;
 };
 

@@ -1,51 +1,55 @@
 #include "zo_tv_support.h"
 
-#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-ZoFile::ZoFile() : m_ioStatus(0), m_next(0), m_canRollBack(false) {}
+ZoFile::ZoFile() : m_file(nullptr), m_empty(true), m_ioStatus(0), m_rowPutBack(false), m_canRollBack(false) {}
 
-ZoFile::~ZoFile() = default;
+ZoFile::~ZoFile()
+{
+    Close();
+}
+
+void ZoFile::Close()
+{
+    if (m_file != nullptr) {
+        std::fclose(m_file);
+        m_file = nullptr;
+    }
+}
 
 int ZoFile::Init(const std::string& path, const std::string& mode)
 {
-    m_rows.clear();
-    m_next = 0;
+    Close();
+    m_empty = true;
+    m_ioStatus = -1;
+    m_row.clear();
+    m_rowPutBack = false;
     m_canRollBack = false;
-    m_ioStatus = 0;
 
     if (mode.find('r') == std::string::npos) {
-        m_ioStatus = -1;
         return -1;
     }
-    FILE* file = std::fopen(path.c_str(), mode.c_str());
-    if (file == nullptr) {
-        m_ioStatus = -1;
+    // Non-blocking: a FIFO without a writer would otherwise hold the open
+    // until one comes. It has no effect on the regular files that are read.
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0) {
         return -1;
     }
-    // Rows are cut at kMaxRowLength; the rest of an over-long line is skipped
-    // so that one huge line costs no more memory than one row.
-    std::string row;
-    bool rowOpen = false;
-    int ch;
-    while ((ch = std::fgetc(file)) != EOF) {
-        if (ch == '\n') {
-            m_rows.push_back(row);
-            row.clear();
-            rowOpen = false;
-            continue;
-        }
-        rowOpen = true;
-        if (row.size() < kMaxRowLength) {
-            row.push_back(static_cast<char>(ch));
-        }
+    struct stat info;
+    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        std::printf("%s is not a regular file\n", path.c_str());
+        close(fd);
+        return -1;
     }
-    if (std::ferror(file)) {
-        m_ioStatus = -1;
-        m_rows.clear();
-    } else if (rowOpen) {
-        m_rows.push_back(row);
+    m_file = fdopen(fd, "r");
+    if (m_file == nullptr) {
+        close(fd);
+        return -1;
     }
-    std::fclose(file);
+    m_ioStatus = 0;
+    m_empty = IsEOF();
     return m_ioStatus;
 }
 
@@ -56,12 +60,25 @@ int ZoFile::GetIOExceptionStatus() const
 
 bool ZoFile::IsEmpty() const
 {
-    return m_rows.empty();
+    return m_empty;
 }
 
+// Looks one byte ahead and puts it back.
 bool ZoFile::IsEOF() const
 {
-    return m_next >= m_rows.size();
+    if (m_rowPutBack) {
+        return false;
+    }
+    if (m_file == nullptr) {
+        return true;
+    }
+    const int ch = std::getc(m_file);
+    if (ch == EOF) {
+        m_ioStatus = std::ferror(m_file) ? -1 : m_ioStatus;
+        return true;
+    }
+    std::ungetc(ch, m_file);
+    return false;
 }
 
 std::string ZoFile::NextRow() const
@@ -71,7 +88,19 @@ std::string ZoFile::NextRow() const
         return std::string();
     }
     m_canRollBack = true;
-    return m_rows[m_next++];
+    if (m_rowPutBack) {
+        m_rowPutBack = false;
+        return m_row;
+    }
+    m_row.clear();
+    int ch;
+    while ((ch = std::getc(m_file)) != EOF && ch != '\n') {
+        if (m_row.size() < kMaxRowLength) {
+            m_row.push_back(static_cast<char>(ch));
+        }
+    }
+    m_ioStatus = std::ferror(m_file) ? -1 : m_ioStatus;
+    return m_row;
 }
 
 int ZoFile::RollBack() const
@@ -80,6 +109,6 @@ int ZoFile::RollBack() const
         return -1;
     }
     m_canRollBack = false;
-    --m_next;
+    m_rowPutBack = true;
     return 0;
 }

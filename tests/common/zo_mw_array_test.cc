@@ -6,87 +6,34 @@
 
 #include "log_capture.h"
 
-namespace {
-
-Array<std::string> Make(std::initializer_list<const char*> items)
+// Each case acts on an Array of one-character elements: what it returned, the elements left, the log records.
+TEST(Array, AccessAssignmentAndFrontAsListedAndLogged)
 {
-    Array<std::string> array;
-    for (const char* item : items) {
-        array.PushBack(item);
+    using Strings = Array<std::string>;
+    const std::string log = "\n5 ZoMW_Zo_cmd_pri operator[] ";
+    const struct { const char* items; std::string (*act)(Strings&); std::string after; } cases[] = {
+        {"abc", [](Strings& a) { const Strings& c = a; return (c[1] + c[3]).append(c[7]) + a[9]; }, "bccc abc" + log +
+         "136 zo_mw_array: index:3, arry max size:3" + log + "136 zo_mw_array: index:7, arry max size:3"},
+        {"", [](Strings& a) { const Strings& c = a; return c[0] + a[0] + "-"; },
+         "- " + log + "132 zo_mw_array: remove pos:0, m_list size is 0, operator fail, return null value"},
+        {"q", [](Strings& a) { Strings b = a; b.PushBack("r"); b.PushBack("s"); b.PopFront(); a = b; const Strings& same = a;
+             std::string grown = a[0] + a[1]; b.PopFront(); a = b; a = same; return grown; }, "rs s"},
+        {"ab", [](Strings& a) { a.PushFront("x"); const std::string x = a[0]; a.PopFront(); return x; }, "x ab"},
+    };
+    for (const auto& c : cases) {
+        LogCapture capture;
+        Strings array;
+        for (const char* item = c.items; *item != '\0'; ++item) {
+            array.PushBack(std::string(1, *item));
+        }
+        std::string after = c.act(array) + " ";
+        for (const std::string& item : array) {
+            after += item;
+        }
+        for (const ZoLogRecord& r : capture.Records()) {
+            after += "\n" + std::to_string(r.prio) + " " + r.tag + " " + r.function + " " + std::to_string(r.line) + " " +
+                     r.message;
+        }
+        EXPECT_EQ(c.after, after) << c.items;
     }
-    return array;
 }
-
-std::string Join(const Array<std::string>& array)
-{
-    std::string out;
-    for (unsigned int i = 0; i < array.Size(); ++i) {
-        out += array[i] + "|";
-    }
-    return out;
-}
-
-TEST(Array, ConstAccessPastTheEndLogsAndYieldsLastOrEmpty)
-{
-    LogCapture log;
-    const Array<std::string> abc = Make({"a", "b", "c"});
-    const Array<std::string> empty;
-    EXPECT_EQ(abc[2], "c");
-    EXPECT_TRUE(log.Records().empty());
-    EXPECT_EQ(abc[3], "c");
-    EXPECT_EQ(abc[7], "c");
-    EXPECT_EQ(empty[0], "");
-    const auto records = log.Records();
-    ASSERT_EQ(records.size(), 3u);
-    EXPECT_EQ(records[0].prio, 5);
-    EXPECT_EQ(records[0].tag, "ZoMW_Zo_cmd_pri");
-    EXPECT_EQ(records[0].function, "operator[]");
-    EXPECT_EQ(records[0].line, 136u);
-    EXPECT_EQ(records[0].message, "zo_mw_array: index:3, arry max size:3");
-    EXPECT_EQ(records[1].message, "zo_mw_array: index:7, arry max size:3");
-    EXPECT_EQ(records[2].line, 132u);
-    EXPECT_EQ(records[2].message, "zo_mw_array: remove pos:0, m_list size is 0, operator fail, return null value");
-}
-
-TEST(Array, WritableAccessClampsSilently)
-{
-    LogCapture log;
-    Array<std::string> abc = Make({"a", "b", "c"});
-    Array<std::string> empty;
-    EXPECT_EQ(abc[3], "c");
-    EXPECT_EQ(abc[7], "c");
-    abc[0] = "z";
-    EXPECT_EQ(Join(abc), "z|b|c|");
-    // A write through the empty value is not an element and does not stick.
-    empty[0] = "ghost";
-    EXPECT_EQ(empty.Size(), 0u);
-    EXPECT_EQ(empty[0], "");
-    EXPECT_TRUE(log.Records().empty());
-}
-
-TEST(Array, CopiesAndEndsEditedInPlace)
-{
-    Array<std::string> five = Make({"1", "2", "3", "4", "5"});
-    five = Make({"x", "y"});
-    EXPECT_EQ(Join(five), "x|y|");
-    Array<std::string> one = Make({"q"});
-    one = Make({"a", "b", "c"});
-    Array<std::string>& alias = one;
-    one = alias;
-    EXPECT_EQ(Join(one), "a|b|c|");
-    Array<std::string> copy(one);
-    one.Clear();
-    EXPECT_EQ(Join(copy), "a|b|c|");
-    EXPECT_EQ(one.Size(), 0u);
-
-    copy.PushFront("x");
-    EXPECT_EQ(Join(copy), "x|a|b|c|");
-    copy.PopFront();
-    EXPECT_EQ(Join(copy), "a|b|c|");
-    one.PopFront();
-    EXPECT_EQ(one.Size(), 0u);
-    // Destroyed through the base pointer: the sanitizer build checks nothing leaks or double-frees.
-    delete new Array<std::string>(copy);
-}
-
-}  // namespace

@@ -1,121 +1,54 @@
-// The prompt loop as an engineer meets it: prompts, help, quitting, the
-// lines the console refuses, and the line editor's Tab and history keys.
-// None of these lines reaches the service, so the page is a plain file.
+// The prompt loop as an engineer meets it, against the simulator: help, modules,
+// the lines the console refuses, a command of each format letter, quitting.
 #include "console_run.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <termios.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <iterator>
+static const std::string kHelp = "======= Command ============== Description ============\n";
+static const std::string kFormatsHelp =
+    kHelp + "\tdouble\t\tthe double\n\tfloat\t\tthe float\n\tint\t\tthe int\n\tlong\t\tthe long\n\tstr\t\tthe str\n";
 
-namespace {
-
-const std::string kHelpHeader = "======= Command ============== Description ============\n";
-const std::string kTopHelp = kHelpHeader + "\tfmt\t\tone command per format letter\n\ttun\t\ttuner state\n";
-const std::string kFormatsHelp = kHelpHeader +
-                                 "\tdouble\t\tthe double command\n\tfloat\t\tthe float command\n"
-                                 "\tint\t\tthe int command\n\tlong\t\tthe long command\n"
-                                 "\tstr\t\tthe str command\n\twide\t\tthe wide command\n";
-const std::string kIllegal = "Error:Illegal Command.\n";
-const std::string kBar(34, '=');
-
-bool SameSettings(const struct termios& a, const struct termios& b)
+// Each line typed, the screen up to the next prompt, and the request line the service decoded, if one reached it.
+// The simulator answers d 42, D 9000000000, f 1.5, F 2.25, s "sim".
+TEST(ConsolePrompt, HelpModulesRefusalsRequestsAndQuit)
 {
-    return a.c_iflag == b.c_iflag && a.c_oflag == b.c_oflag && a.c_cflag == b.c_cflag && a.c_lflag == b.c_lflag &&
-           std::equal(std::begin(a.c_cc), std::end(a.c_cc), std::begin(b.c_cc));
-}
-
-}  // namespace
-
-TEST(ConsolePrompt, HelpAtBothLevelsThenQuitRestoresTheTerminal)
-{
-    struct termios initial {};
-    ASSERT_TRUE(PtySession::DefaultTermios(&initial));
-    PtySession::Options options;
-    options.initialTermios = &initial;
+    const std::string illegal = "Error:Illegal Command.\n", bar(34, '='), longWord(300, 'x');
+    const std::string topHelp = kHelp + "\tfmt\t\tone per letter\n\ttun\t\ttuner state\n";
+    const std::string longArgs = "int " + std::string(254, '7'), rule = "\n" + std::string(27, '=') + "\n";
+    const struct { std::string keys, screen, request; } lines[] = {
+        {"help\n", "help\n" + topHelp, ""},
+        {"?\n", "?\n" + topHelp, ""},
+        {"bogus\n", "bogus\n" + illegal, ""},
+        {"FMT\n", "FMT\n" + illegal, ""},  // module words are matched whole and with their case
+        {"fmt 1\n", "fmt 1\n" + illegal, ""},
+        {"   \n", "   \n", ""},
+        {"fmt\n", "fmt\nFormats@", ""},
+        {"HELP\n", "HELP\n" + kFormatsHelp + "Formats@", ""},
+        {"bogus 1\n", "bogus 1\n" + illegal + "Formats@", ""},
+        {longWord + " 1\n", longWord + " 1\n" + illegal + "Formats@", ""},  // longer than the word buffer
+        // The argument text starts with the blank after the word: 255 characters in all.
+        {longArgs + "\n", longArgs + "\nError:arg size:255 too large\nFormats@", ""},
+        {"int\n", "int\nparse para err. int help info: \n\tthe int\ncall failed\nFormats@", ""},
+        {"int -7\n", "int -7" + rule + "int:42\t" + rule + "Formats@", "int -7"},
+        {"long -9000000001\n", "long -9000000001" + rule + "long:9000000000\t" + rule + "Formats@", "long -9000000001"},
+        {"float 0.5\n", "float 0.5" + rule + "float:1.500000\t" + rule + "Formats@", "float 0.5"},
+        {"double -2.5\n", "double -2.5" + rule + "double:        2.250000\t" + rule + "Formats@", "double -2.5"},
+        {"str hello\n", "str hello" + rule + "str:sim\t" + rule + "Formats@", "str \"hello\""},
+        // Tab offers the module words and the current module's commands.
+        {"\t", "\n" + bar + " all mods " + bar + "\nfmt\ttun\n" + bar + "Formats cmds" + bar +
+                   "\ndouble\tfloat\tint\tlong\tstr\nFormats@", ""},
+        {"tun\n", "tun\nTuner@", ""},  // another module's word switches directly
+        {"quit\n", "quit\n", ""},
+    };
     ConsoleRun run;
-    run.WritePage();
-    std::string banner;
-    ASSERT_TRUE(run.StartConsole(options, &banner));
-    EXPECT_EQ("", banner);
-
-    // Raw input while the prompt loop runs, with the signal keys still live.
-    struct termios raw {};
-    ASSERT_EQ(0, run.Pty().GetAttr(&raw));
-    EXPECT_EQ(0u, raw.c_lflag & (ICANON | ECHO));
-    EXPECT_NE(0u, raw.c_lflag & ISIG);
-
-    EXPECT_EQ("help\n" + kTopHelp, run.Type("help\n"));
-    EXPECT_EQ("?\n" + kTopHelp, run.Type("?\n"));
-    EXPECT_EQ("fmt\nFormats@", run.Type("fmt\n"));
-    EXPECT_EQ("HELP\n" + kFormatsHelp + "Formats@", run.Type("HELP\n"));
-    // Another module's word switches directly; quitting a module goes back to the top.
-    EXPECT_EQ("tun\nTuner@", run.Type("tun\n"));
-    EXPECT_EQ("Q\n", run.Type("Q\n"));
-    EXPECT_EQ("fmt\nFormats@", run.Type("fmt\n"));
-    EXPECT_EQ("quit\n", run.Type("quit\n"));
-
-    ASSERT_TRUE(run.Pty().Write("QUIT\n"));
-    EXPECT_EQ("exit 0", run.Exit());
-    struct termios after {};
-    ASSERT_EQ(0, run.Pty().GetAttr(&after));
-    EXPECT_TRUE(SameSettings(initial, after));
-}
-
-TEST(ConsoleDispatch, RefusesUnknownOverlongAndIncompleteLines)
-{
-    ConsoleRun run;
-    run.WritePage();
-    ASSERT_TRUE(run.StartConsole());
-
-    EXPECT_EQ("bogus\n" + kIllegal, run.Type("bogus\n"));
-    // Module words are matched whole and with their case.
-    EXPECT_EQ("FMT\n" + kIllegal, run.Type("FMT\n"));
-    EXPECT_EQ("   \n", run.Type("   \n"));
-    EXPECT_EQ("fmt\nFormats@", run.Type("fmt\n"));
-    EXPECT_EQ("bogus 1\n" + kIllegal + "Formats@", run.Type("bogus 1\n"));
-    // A first word longer than the 255-character word buffer names no command.
-    const std::string longWord(300, 'x');
-    EXPECT_EQ(longWord + " 1\n" + kIllegal + "Formats@", run.Type(longWord + " 1\n"));
-    // The argument text starts with the blank after the word: 255 characters in all.
-    const std::string longArgs = "int " + std::string(254, '7');
-    EXPECT_EQ(longArgs + "\nError:arg size:255 too large\nFormats@", run.Type(longArgs + "\n"));
-    EXPECT_EQ("int\nparse para err. int help info: \n\tthe int command\ncall failed\nFormats@", run.Type("int\n"));
-
-    ASSERT_TRUE(run.Pty().Write("q\nq\n"));
-    EXPECT_EQ("exit 0", run.Exit());
-}
-
-TEST(ConsoleLineEditing, TabListsAndCompletesAtBothLevelsAndUpRecallsHistory)
-{
-    ConsoleRun run;
-    run.WritePage();
-    ASSERT_TRUE(run.StartConsole());
-
-    const std::string modules = "\n" + kBar + " all mods " + kBar + "\nfmt\ttun";
-    EXPECT_EQ(modules + "\n", run.Type("\t"));
-    // One name begins with "f": completed in place, and Enter takes the whole word.
-    EXPECT_EQ("fmt\nFormats@", run.Type("f\t\n"));
-    EXPECT_EQ("tun\nTuner@", run.Type("tun\n"));
-    EXPECT_EQ(modules + "\n" + kBar + "Tuner cmds" + kBar + "\nscan\tseek\nTuner@", run.Type("\t"));
-    // Only the module's commands begin with "s"; the typed "s" is kept and redrawn.
-    EXPECT_EQ("s\n" + kBar + "Tuner cmds" + kBar + "\nscan\tseek\nTuner@", run.Type("s\t"));
-    EXPECT_EQ("s", run.Pty().ReadQuiet());
-    EXPECT_EQ("\b \bq\n", run.Type("\bq\n"));  // Backspace drops the kept "s"
-    EXPECT_EQ("fmt\nFormats@", run.Type("fmt\n"));
-    // "in" completes to "int"; the word dispatched is the completed one.
-    EXPECT_EQ("int\nparse para err. int help info: \n\tthe int command\ncall failed\nFormats@",
-              run.Type("in\t\n"));
-
-    // Up recalls the last line; Enter runs it again.
-    EXPECT_EQ("q\n", run.Type("q\n"));
-    EXPECT_EQ("help\n" + kTopHelp, run.Type("help\n"));
-    EXPECT_EQ("help\n" + kTopHelp, run.Type("\x1b[A\n"));
-
-    ASSERT_TRUE(run.Pty().Write("q\n"));
+    ASSERT_TRUE(run.StartSim());
+    ASSERT_EQ("", run.StartConsole());
+    for (const auto& line : lines) {
+        EXPECT_EQ(line.screen, run.Type(line.keys));
+        EXPECT_EQ(line.request, line.request.empty() ? "" : run.SimLine());
+    }
+    ASSERT_TRUE(run.Pty().Write("Q\n"));
     EXPECT_EQ("exit 0", run.Exit());
 }
 
@@ -125,17 +58,13 @@ TEST(ConsoleInput, LinesFromAPipeRunUntilItsEndThenExit0)
     run.WritePage();
     const std::string fifo = run.Dir().File("keys");
     ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
-    // Read and write, so that opening never blocks; closed on exec, so that
-    // the console does not hold a writer and its input can end.
+    // Read and write, so that opening never blocks; closed on exec, so that the console holds no writer.
     const int keys = open(fifo.c_str(), O_RDWR | O_CLOEXEC);
-    ASSERT_GE(keys, 0);
     PtySession::Options options;
     options.stdinPath = fifo;
-    ASSERT_TRUE(run.StartConsole(options));
-
-    const std::string lines = "fmt\nhelp\n";
-    ASSERT_EQ(static_cast<ssize_t>(lines.size()), write(keys, lines.data(), lines.size()));
-    EXPECT_EQ("fmt\nFormats@", run.Type(""));
+    ASSERT_EQ("", run.StartConsole(options));
+    ASSERT_EQ(9, write(keys, "fmt\nhelp\n", 9));
+    EXPECT_EQ("fmt\nFormats@", run.Type(""));  // each prompt shows before the next line is read
     EXPECT_EQ("help\n" + kFormatsHelp + "Formats@", run.Type(""));
     close(keys);
     EXPECT_EQ("exit 0", run.Exit());

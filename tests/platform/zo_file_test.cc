@@ -1,34 +1,71 @@
 #include "zo_tv_support.h"
 
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "stdout_capture.h"
 #include "temp_dir.h"
 
 namespace {
 
+// At most 100 rows: a reader that wrongly reads a device would go on for ever.
 std::vector<std::string> AllRows(const ZoFile& file)
 {
     std::vector<std::string> rows;
-    while (!file.IsEOF()) {
+    while (!file.IsEOF() && rows.size() < 100) {
         rows.push_back(file.NextRow());
     }
     return rows;
 }
 
-TEST(ZoFile, SplitsAtLineFeedsKeepingCarriageReturns)
+TEST(ZoFile, RowsOfAFileAndRefusals)
 {
-    TempDir dir;
-    const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
-        {"one\r\n\ntwo\nlast", {"one\r", "", "two", "last"}}, {"x\n", {"x"}}, {"\n", {""}}, {"", {}}};
-    for (const auto& c : cases) {
+    const std::string longLine(ZoFile::kMaxRowLength + 1, 'x');
+    enum Outcome { kRows, kFails, kRefused };  // kRefused: with a line naming what is not a regular file
+    struct Case {
+        const char* what;
+        std::string path;  // DIR stands for the test's directory; empty: DIR/f holding bytes
+        std::string bytes;
+        const char* mode;
+        Outcome outcome;
+        std::vector<std::string> rows;
+    };
+    const Case cases[] = {
+        {"lines", "", "one\r\n\ntwo\nlast", "r", kRows, {"one\r", "", "two", "last"}},
+        {"final line feed", "", "x\n", "r", kRows, {"x"}},
+        {"one line feed", "", "\n", "r", kRows, {""}},
+        {"0 bytes", "", "", "r", kRows, {}},
+        {"binary and over-long", "", std::string("a\0b\xff\n", 5) + longLine + "\nafter", "r", kRows,
+         {std::string("a\0b\xff", 4), longLine.substr(1), "after"}},
+        {"write mode", "", "x\n", "w", kFails, {}},
+        {"missing", "DIR/nope", "", "r", kFails, {}},
+        {"directory", "DIR", "", "r", kRefused, {}},
+        {"FIFO", "DIR/fifo", "", "r", kRefused, {}},
+        {"device", "/dev/urandom", "", "r", kRefused, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempDir dir;
+        mkfifo(dir.File("fifo").c_str(), 0600);
+        std::string path = c.path.empty() ? dir.Write("f", c.bytes) : c.path;
+        if (path.compare(0, 3, "DIR") == 0) {
+            path.replace(0, 3, dir.Path());
+        }
         ZoFile file;
-        ASSERT_EQ(file.Init(dir.Write("a", c.first), "r"), 0);
-        EXPECT_EQ(file.GetIOExceptionStatus(), 0);
-        EXPECT_EQ(file.IsEmpty(), c.first.empty());
-        EXPECT_EQ(AllRows(file), c.second) << c.first;
+        StdoutCapture out;
+        EXPECT_EQ(file.Init(path, c.mode), c.outcome == kRows ? 0 : -1);
+        EXPECT_EQ(out.Text(), c.outcome == kRefused ? path + " is not a regular file\n" : "");
+        EXPECT_EQ(file.GetIOExceptionStatus() != 0, c.outcome != kRows);
+        EXPECT_EQ(file.IsEmpty(), c.rows.empty());
+        EXPECT_EQ(AllRows(file), c.rows);
     }
 }
 
@@ -39,6 +76,8 @@ TEST(ZoFile, RollBackPutsBackTheLastRowOnce)
     file.Init(dir.Write("a", "1\n2\n"), "r");
     EXPECT_NE(file.RollBack(), 0);  // nothing delivered yet
     EXPECT_EQ(file.NextRow(), "1");
+    EXPECT_EQ(file.RollBack(), 0);
+    EXPECT_EQ(file.NextRow(), "1");
     EXPECT_EQ(file.NextRow(), "2");
     EXPECT_TRUE(file.IsEOF());
     EXPECT_EQ(file.RollBack(), 0);
@@ -48,35 +87,35 @@ TEST(ZoFile, RollBackPutsBackTheLastRowOnce)
     EXPECT_TRUE(file.IsEOF());
 }
 
-TEST(ZoFile, BinaryAndOverlongInputIsBounded)
+// Four million empty rows, over 100 MB as strings, read in a child whose address space may grow by 32 MB only.
+TEST(ZoFile, MemoryIsBoundedByARowNotByTheFile)
 {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the address sanitizer reserves more address space than any such limit";
+#endif
+    const size_t rowCount = 4000000;
     TempDir dir;
-    std::string bytes("a\0b\xff\n", 5);
-    bytes += std::string(ZoFile::kMaxRowLength + 100, 'x') + "\nafter";
-    ZoFile file;
-    file.Init(dir.Write("bin", bytes), "r");
-    const auto rows = AllRows(file);
-    ASSERT_EQ(rows.size(), 3u);
-    EXPECT_EQ(rows[0], std::string("a\0b\xff", 4));
-    EXPECT_EQ(rows[1], std::string(ZoFile::kMaxRowLength, 'x'));
-    EXPECT_EQ(rows[2], "after");
-}
-
-TEST(ZoFile, OpenFailuresAreReported)
-{
-    TempDir dir;
-    ZoFile missing;
-    EXPECT_NE(missing.Init(dir.File("nope"), "r"), 0);
-    EXPECT_NE(missing.GetIOExceptionStatus(), 0);
-    EXPECT_TRUE(missing.IsEOF());
-
-    ZoFile directory;
-    directory.Init(dir.Path(), "r");
-    EXPECT_NE(directory.GetIOExceptionStatus(), 0);
-
-    ZoFile writeMode;
-    writeMode.Init(dir.Write("w", "x"), "w");
-    EXPECT_NE(writeMode.GetIOExceptionStatus(), 0);
+    const std::string path = dir.Write("big", std::string(rowCount, '\n'));
+    const pid_t pid = fork();
+    if (pid == 0) {
+        long pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        const struct rlimit limit = {static_cast<rlim_t>(pages * sysconf(_SC_PAGESIZE)) + (32u << 20), RLIM_INFINITY};
+        setrlimit(RLIMIT_AS, &limit);
+        size_t rows = 0;
+        try {
+            ZoFile file;
+            file.Init(path, "r");
+            for (; !file.IsEOF(); ++rows) {
+                file.NextRow();
+            }
+        } catch (...) {  // std::bad_alloc from a reader that keeps the rows
+        }
+        _exit(rows == rowCount ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
 }  // namespace

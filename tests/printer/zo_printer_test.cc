@@ -1,6 +1,6 @@
 #include "zo_printer.h"
 
-#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,107 +10,67 @@
 #include "log_capture.h"
 #include "stdout_capture.h"
 
-namespace {
+using Reply = std::function<void(android::Parcel&)>;
 
-const std::string kSep = "===========================\n";
-const std::string kNoS = "current is no support 'S' format\n";
+static const std::string kSep = "===========================\n";
+static const std::string kNoS = "current is no support 'S' format\n";
 
-Array<std::string> Tags(std::initializer_list<const char*> names)
+static Reply Ints(std::vector<int32_t> words)
 {
-    Array<std::string> tags;
-    for (const char* name : names) {
-        tags.PushBack(name);
-    }
-    return tags;
-}
-
-// Runs Fmt and Flush over the reply as the exchange does; returns what was printed.
-std::string Render(const android::Parcel& reply, const char* fmt, const Array<std::string>& tags, int* fmtResult)
-{
-    StdoutCapture out;
-    Printer printer(reply);
-    *fmtResult = printer.Fmt(fmt, tags);
-    printer.Flush();
-    return out.Text();
-}
-
-}  // namespace
-
-TEST(Printer, EveryLetterHasItsTextOneRowPerPass)
-{
-    android::Parcel reply;
-    reply.writeInt32(-5);
-    reply.writeInt64(-9000000000LL);
-    reply.writeFloat(1.5f);
-    reply.writeDouble(1.5);
-    reply.writeString16(android::String16("abc"));
-    reply.writeInt32(6);
-    int result = 1;
-    // The data ends inside the second pass: the rest of the row shows zeros.
-    EXPECT_EQ(kSep + "a:-5\tb:-9000000000\tc:1.500000\td:        1.500000\te:abc\t\n" +
-                  "a:6\tb:0\tc:0.000000\td:        0.000000\te:\t\n" + kSep,
-              Render(reply, "dDfFs", Tags({"a", "b", "c", "d", "e"}), &result));
-    EXPECT_EQ(0, result);
-}
-
-TEST(Printer, FormatTagsAndDataDecideWhatIsPrinted)
-{
-    const struct {
-        std::vector<int32_t> words;  // the reply
-        const char* fmt;
-        Array<std::string> tags;
-        int result;
-        std::string printed;
-    } cases[] = {
-        {{}, "d", Tags({"a"}), 0, kSep + kSep},
-        // A missing format or tags read and print nothing.
-        {{1}, nullptr, Tags({"a"}), -1, ""},
-        {{1}, "", Tags({"a"}), -1, ""},
-        {{1}, "d", Tags({}), -1, ""},
-        // Fewer tags than letters: the second 'd' is never read. More: the extra tags are never printed.
-        {{1, 2, 3}, "dd", Tags({"n"}), 0, kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep},
-        {{1, 2, 3}, "d", Tags({"n", "unused"}), 0, kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep},
-        {{1}, "dx", Tags({"a", "b"}), -1, "invalid fmt info!\n"},
-        {{1}, "d d", Tags({"a", "b", "c"}), -1, "invalid fmt info!\n"},
-        // 'S' prints its message once per pass.
-        {{1, 2}, "dS", Tags({"a", "b"}), 0, kNoS + kNoS + kSep + "a:1\t\na:2\t\n" + kSep},
-        // A pass that reads nothing ends the reply.
-        {{1}, "Sd", Tags({"a"}), 0, kNoS + kSep + kSep},
-        // Hostile string counts give empty text; the last claims two units with only 4 bytes left.
-        {{-1, 0x7ffffff0, 2, 0x00410041}, "s", Tags({"t"}), 0, kSep + "t:\t\nt:\t\nt:\t\nt:\t\n" + kSep},
-    };
-    for (const auto& c : cases) {
-        android::Parcel reply;
-        for (int32_t word : c.words) {
+    return [words](android::Parcel& reply) {
+        for (int32_t word : words) {
             reply.writeInt32(word);
         }
-        int result = 100;
-        EXPECT_EQ(c.printed, Render(reply, c.fmt, c.tags, &result)) << (c.fmt ? c.fmt : "null");
-        EXPECT_EQ(c.result, result) << (c.fmt ? c.fmt : "null");
-        if (c.printed.empty()) {
-            EXPECT_EQ(0u, reply.dataPosition()) << "nothing is read";
-        }
-    }
-    // A tail too short for any value is not shown as a row of zeros.
-    const uint8_t bytes[] = {9, 0, 0, 0, 0xAB, 0xCD};
-    android::Parcel tail;
-    tail.setData(bytes, sizeof bytes);
-    int result = 1;
-    EXPECT_EQ(kSep + "a:9\t\n" + kSep, Render(tail, "d", Tags({"a"}), &result));
+    };
 }
 
-TEST(Printer, OversizedNumberIsLoggedAndLeftOut)
+// Each case: the reply behind the status, the print format and the tags (one character each); what Fmt returns,
+// what Fmt and Flush print (as the exchange calls them). Only the number too long for its text is logged.
+TEST(Printer, PrintsOneRowPerPassBetweenSeparators)
 {
+    const struct { Reply reply; const char* fmt; const char* tags; int result; std::string printed; } cases[] = {
+        // The data ends inside the second pass: the rest of the row shows zeros and empty text.
+        {[](android::Parcel& p) { p.writeInt32(-5), p.writeInt64(-9000000000LL), p.writeFloat(1.5f), p.writeDouble(1.5),
+                                  p.writeString16(android::String16("abc")), p.writeInt32(6); },
+         "dDfFs", "abcde", 0, kSep + "a:-5\tb:-9000000000\tc:1.500000\td:        1.500000\te:abc\t\n" +
+                                  "a:6\tb:0\tc:0.000000\td:        0.000000\te:\t\n" + kSep},
+        {Ints({}), "d", "a", 0, kSep + kSep},
+        // A missing format or tags read and print nothing.
+        {Ints({1}), nullptr, "a", -1, ""},
+        {Ints({1}), "", "a", -1, ""},
+        {Ints({1}), "d", "", -1, ""},
+        // Fewer tags than letters: the second 'd' is never read. More: the extra tags are never printed.
+        {Ints({1, 2, 3}), "dd", "n", 0, kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep},
+        {Ints({1, 2, 3}), "d", "nu", 0, kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep},
+        {Ints({1}), "dx", "ab", -1, "invalid fmt info!\n"},
+        {Ints({1}), "d d", "abc", -1, "invalid fmt info!\n"},
+        // 'S' prints its message once per pass; a pass that reads nothing ends the reply.
+        {Ints({1, 2}), "dS", "ab", 0, kNoS + kNoS + kSep + "a:1\t\na:2\t\n" + kSep},
+        {Ints({1}), "Sd", "a", 0, kNoS + kSep + kSep},
+        // Hostile string counts give empty text; the last claims two units with only 4 bytes left.
+        {Ints({-1, 0x7ffffff0, 2, 0x00410041}), "s", "t", 0, kSep + "t:\t\nt:\t\nt:\t\nt:\t\n" + kSep},
+        // A tail too short for any value is not shown as a row of zeros.
+        {[](android::Parcel& p) { p.setData(reinterpret_cast<const uint8_t*>("\x09\0\0\0\xab\xcd"), 6); }, "d", "a", 0,
+         kSep + "a:9\t\n" + kSep},
+        {[](android::Parcel& p) { p.writeDouble(1e300), p.writeInt32(3); }, "Fd", "xy", 0, kSep + "y:3\t\n" + kSep},
+    };
     LogCapture log;
-    android::Parcel reply;
-    reply.writeDouble(1e300);
-    reply.writeInt32(3);
-    int result = 1;
-    EXPECT_EQ(kSep + "y:3\t\n" + kSep, Render(reply, "Fd", Tags({"x", "y"}), &result));
-    const auto records = log.Records();
-    ASSERT_EQ(1u, records.size());
-    EXPECT_EQ(ATV_LOG_PRIO_ERROR, records[0].prio);
-    EXPECT_EQ("ZoMW_Zo_cmd_pri", records[0].tag);
-    EXPECT_EQ("ParseDecimalfmt", records[0].function);
-    EXPECT_EQ("snprintf_s failed, ret = -1", records[0].message);
+    for (const auto& c : cases) {
+        android::Parcel reply;
+        c.reply(reply);
+        Array<std::string> tags;
+        for (const char* tag = c.tags; *tag != '\0'; ++tag) {
+            tags.PushBack(std::string(1, *tag));
+        }
+        StdoutCapture out;
+        Printer printer(reply);
+        EXPECT_EQ(c.result, printer.Fmt(c.fmt, tags)) << c.printed;
+        printer.Flush();
+        EXPECT_EQ(c.printed, out.Text());
+    }
+    std::string records;
+    for (const ZoLogRecord& r : log.Records()) {
+        records += std::to_string(r.prio) + " " + r.tag + " " + r.function + " " + r.message + "\n";
+    }
+    EXPECT_EQ("6 ZoMW_Zo_cmd_pri ParseDecimalfmt snprintf_s failed, ret = -1\n", records);
 }

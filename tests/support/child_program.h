@@ -1,31 +1,26 @@
-// Starting the project's own programs from a test. In a cross build they must
-// run under the test's emulator (no binfmt handler on the build machines);
-// CTest passes its command line in ZO_TEST_EMULATOR, unset in a native build.
+// Starting the project's own programs from a test. In a cross build they run under the emulator whose command line
+// CTest passes in ZO_TEST_EMULATOR (the build machines have no binfmt handler); natively it is unset.
 #ifndef ZO_TESTS_SUPPORT_CHILD_PROGRAM_H
 #define ZO_TESTS_SUPPORT_CHILD_PROGRAM_H
 
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <sstream>
-#include <string>
-#include <thread>
-#include <vector>
-
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <cstdlib>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <vector>
+
 // The emulator's words, if any, in front of argv.
 inline std::vector<std::string> ChildCommand(const std::vector<std::string>& argv)
 {
-    std::vector<std::string> command;
-    if (const char* emulator = std::getenv("ZO_TEST_EMULATOR")) {
-        std::istringstream words(emulator);
-        for (std::string word; words >> word;) {
-            command.push_back(word);
-        }
-    }
+    const char* emulator = std::getenv("ZO_TEST_EMULATOR");
+    std::istringstream words(emulator != nullptr ? emulator : "");
+    std::vector<std::string> command{std::istream_iterator<std::string>(words), std::istream_iterator<std::string>()};
     command.insert(command.end(), argv.begin(), argv.end());
     return command;
 }
@@ -42,9 +37,8 @@ inline void ExecChild(const std::vector<std::string>& argv)
     execvp(args[0], args.data());
 }
 
-// Starts the program with in, out and err (when not -1) as its descriptors 0, 1
-// and 2; it is killed if the test dies. Pass descriptors opened with O_CLOEXEC
-// so that the child holds no other copy (a pipe's writer would never see EOF).
+// Starts the program with in, out and err (when not -1) as its descriptors 0, 1 and 2; it is killed if the test
+// dies. Pass descriptors opened with O_CLOEXEC, so that the child holds no other copy (a pipe would never end).
 inline pid_t SpawnChild(const std::vector<std::string>& argv, int in = -1, int out = -1, int err = -1)
 {
     const pid_t pid = fork();
@@ -65,15 +59,14 @@ inline pid_t SpawnChild(const std::vector<std::string>& argv, int in = -1, int o
 // The child's wait status, or -1 (and the child killed) when it has not ended within timeoutMs.
 inline int WaitChild(pid_t pid, int timeoutMs = 10000)
 {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
     int status = -1;
-    while (pid > 0 && waitpid(pid, &status, WNOHANG) == 0) {
-        if (std::chrono::steady_clock::now() > deadline) {
+    for (int waited = 0; pid > 0 && waitpid(pid, &status, WNOHANG) == 0; waited += 2) {
+        if (waited > timeoutMs) {
             kill(pid, SIGKILL);
             waitpid(pid, nullptr, 0);
             return -1;
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        poll(nullptr, 0, 2);
     }
     return status;
 }

@@ -1,15 +1,8 @@
-// PtySession: runs a program on a fresh pseudo-terminal (forkpty) and talks to
-// it like an engineer at a keyboard. The terminal translates output, so a "\n"
-// the program writes arrives as "\r\n"; before the program enters raw mode the
-// terminal also echoes what Write sends, so wait for the prompt first.
-//
-// Every read has a time-out, so a hung program fails the test instead of
-// blocking it. WaitFor consumes the transcript from the front; Screen() keeps
-// all of it for failure messages. The destructor kills and reaps the child.
-// One session belongs to one thread; sessions are independent.
-//
-// Use from a test target: add tests/support/pty_session.cc to the SOURCES and
-// link util.
+// PtySession: runs a program on a fresh pseudo-terminal (forkpty) and talks to it like an engineer at a keyboard.
+// The terminal translates output, so a "\n" the program writes arrives as "\r\n"; before the program enters raw
+// mode the terminal also echoes what Write sends, so wait for the prompt first. Every wait has a time-out, so that
+// a hung program fails the test instead of blocking it. WaitFor consumes the screen from the front; Screen() keeps
+// all of it. The destructor kills and reaps the program. Build tests/support/pty_session.cc in and link util.
 #ifndef ZO_TESTS_SUPPORT_PTY_SESSION_H
 #define ZO_TESTS_SUPPORT_PTY_SESSION_H
 
@@ -21,13 +14,11 @@
 
 struct PtySessionOptions {
     const struct termios* initialTermios = nullptr;  // null: the system's defaults
-    std::string stdinPath;  // when set, standard input is this file instead of the terminal
-    bool hostProgram = false;  // a host program (/bin/sleep) starts without the cross build's emulator
+    std::string stdinPath;                           // when set, standard input is this file, not the terminal
 };
 
 class PtySession {
 public:
-    static constexpr int kDefaultTimeoutMs = 5000;
     using Options = PtySessionOptions;
 
     PtySession() = default;
@@ -35,28 +26,22 @@ public:
     PtySession(const PtySession&) = delete;
     PtySession& operator=(const PtySession&) = delete;
 
-    // False, with Error() set, when the terminal or process could not be made.
-    // A program that cannot be executed writes "exec failed" and exits with 127.
+    // False when the terminal could not be made; a program that cannot be started ends with status 127.
     bool Start(const std::string& program, const std::vector<std::string>& args, const Options& options = Options());
-    // Sends keys, collecting screen output meanwhile so long pastes cannot dead-lock.
-    bool Write(const std::string& bytes, int timeoutMs = kDefaultTimeoutMs);
-    // Consumes the output up to and including the first text (stored in *upTo);
-    // false, consuming nothing, on time-out or when the terminal closed.
-    bool WaitFor(const std::string& text, std::string* upTo = nullptr, int timeoutMs = kDefaultTimeoutMs);
-    // Reads until quietMs pass without output (timeoutMs in all); consumes and returns the rest.
-    std::string ReadQuiet(int quietMs = 100, int timeoutMs = kDefaultTimeoutMs);
-    // True with the waitpid() status when the program ended within timeoutMs.
-    bool WaitForExit(int* status, int timeoutMs = kDefaultTimeoutMs);
-    // The program sees a hang-up.
-    void CloseTerminal();
-    // The terminal's settings as the program sees them, and changing them behind its back. 0 or -1.
-    int GetAttr(struct termios* settings) const;
-    int SetAttr(const struct termios& settings);
+    // Sends keys. It blocks while the terminal's input buffer (4 KB) is full: keep pastes shorter.
+    bool Write(const std::string& bytes);
+    // Consumes the screen up to and including the first text (stored in *upTo); false on time-out or when the
+    // terminal closed first.
+    bool WaitFor(const std::string& text, std::string* upTo = nullptr, int timeoutMs = 5000);
+    // True, with the waitpid() status, when the program ended in time (else it is killed); its last output is then
+    // on the screen.
+    bool WaitForExit(int* status, int timeoutMs = 5000);
+    // The terminal's settings as the program sees them, and changing them behind its back: 0 or -1.
+    int GetAttr(struct termios* settings) const { return tcgetattr(m_master, settings); }
+    int SetAttr(const struct termios& settings) { return tcsetattr(m_master, TCSANOW, &settings); }
 
     const std::string& Screen() const { return m_screen; }
-    const std::string& Error() const { return m_error; }
     pid_t Pid() const { return m_pid; }
-    int MasterFd() const { return m_master; }
 
     // The settings of a freshly opened terminal: a base for Options::initialTermios.
     static bool DefaultTermios(struct termios* settings);
@@ -67,11 +52,10 @@ private:
     pid_t m_pid = -1;
     int m_master = -1;
     bool m_closed = false;
-    int m_exitStatus = 0;
     bool m_reaped = false;
-    std::string m_screen;
+    int m_status = -1;
     size_t m_consumed = 0;
-    std::string m_error;
+    std::string m_screen;
 };
 
 #endif  // ZO_TESTS_SUPPORT_PTY_SESSION_H

@@ -1,13 +1,13 @@
 // Captures what the code under test writes to standard output (descriptor 1)
-// while it lives: Text() stops the capture and returns the bytes written.
+// while it lives: Text() ends the capture and returns the bytes written.
 #ifndef ZO_TESTS_SUPPORT_STDOUT_CAPTURE_H
 #define ZO_TESTS_SUPPORT_STDOUT_CAPTURE_H
+
+#include <unistd.h>
 
 #include <cstdio>
 #include <stdexcept>
 #include <string>
-
-#include <unistd.h>
 
 class StdoutCapture {
 public:
@@ -17,11 +17,7 @@ public:
             throw std::runtime_error("cannot capture standard output");
         }
     }
-    ~StdoutCapture()
-    {
-        Text();
-        fclose(m_file);
-    }
+    ~StdoutCapture() { Text(), fclose(m_file); }
     StdoutCapture(const StdoutCapture&) = delete;
     StdoutCapture& operator=(const StdoutCapture&) = delete;
 
@@ -35,8 +31,7 @@ public:
         }
         std::string text(static_cast<size_t>(ftell(m_file)), '\0');
         rewind(m_file);
-        text.resize(fread(&text[0], 1, text.size(), m_file));
-        return text;
+        return text.substr(0, fread(&text[0], 1, text.size(), m_file));
     }
 
 private:

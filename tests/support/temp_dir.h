@@ -2,24 +2,22 @@
 #ifndef ZO_TESTS_SUPPORT_TEMP_DIR_H
 #define ZO_TESTS_SUPPORT_TEMP_DIR_H
 
+#include <ftw.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 #include <string>
 
-#include <ftw.h>
-#include <unistd.h>
-
 class TempDir {
 public:
     TempDir()
+        : m_path(std::string(std::getenv("TMPDIR") != nullptr ? std::getenv("TMPDIR") : "/tmp") + "/zo_test_XXXXXX")
     {
-        const char* base = std::getenv("TMPDIR");
-        std::string pattern = std::string(base != nullptr ? base : "/tmp") + "/zo_test_XXXXXX";
-        if (mkdtemp(&pattern[0]) == nullptr) {
+        if (mkdtemp(&m_path[0]) == nullptr) {
             throw std::runtime_error("mkdtemp failed");
         }
-        m_path = pattern;
     }
     ~TempDir()
     {
@@ -35,10 +33,8 @@ public:
     // Writes bytes exactly as given (no line end added) and returns the path.
     std::string Write(const std::string& name, const std::string& bytes) const
     {
-        const std::string path = File(name);
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        return path;
+        std::ofstream(File(name), std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        return File(name);
     }
 
 private:
