@@ -181,15 +181,17 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
                 {"empty cmds", kNoCmds, 0},
                 {"tuner cmds", g_manyList.data(), static_cast<unsigned int>(g_manyList.size())}};
     // Descriptor 0 is no terminal, so Init leaves every setting alone; the
-    // keys come from memory, through one stream made here for every input:
-    // no system call and no allocation per input.
+    // keys come from memory through one stream, made here and used by every
+    // input: no system call and no allocation per input.
     const int null = open("/dev/null", O_RDONLY);
     FUZZ_CHECK(null >= 0 && dup2(null, STDIN_FILENO) == STDIN_FILENO);
     close(null);
     cookie_io_functions_t source = {};
     source.read = [](void*, char* buffer, size_t size) -> ssize_t {
         const size_t n = std::min(size, g_keys.size - g_keys.at);
-        std::memcpy(buffer, g_keys.data + g_keys.at, n);
+        if (n != 0) {
+            std::memcpy(buffer, g_keys.data + g_keys.at, n);
+        }
         g_keys.at += n;
         return static_cast<ssize_t>(n);
     };

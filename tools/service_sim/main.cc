@@ -100,8 +100,8 @@ int main(int argc, char* argv[])
 
     ServiceSim sim(opts, index, replies, page, stdout);
     if (!sim.Serve(g_stop)) {
-        std::fprintf(stderr, "zo_service_sim: the swap file %s was cut below %zu bytes while mapped: stopping\n",
-                     pagePath.c_str(), SHM_SIZE);
+        std::fprintf(stderr, "zo_service_sim: swap file %s was truncated while mapped: the shared page is lost\n",
+                     pagePath.c_str());
         return 1;
     }
 

@@ -16,13 +16,14 @@ namespace {
 char* volatile g_pageBegin = nullptr;
 sigjmp_buf* volatile g_guard = nullptr;
 
-// A fault inside the page while an access runs means the file under the
-// mapping was cut: the access is abandoned. Any other bus error is not ours
-// and ends the process as it would have without this handler.
+// A fault inside the page while an access runs (raised by the kernel, not
+// sent) means the file under the mapping was cut: the access is abandoned.
+// Any other bus error is not ours and ends the process as it would have
+// without this handler.
 void OnBusError(int, siginfo_t* info, void*)
 {
     const char* address = static_cast<const char*>(info->si_addr);
-    if (g_guard != nullptr && address >= g_pageBegin && address < g_pageBegin + SHM_SIZE) {
+    if (info->si_code > 0 && g_guard != nullptr && address >= g_pageBegin && address < g_pageBegin + SHM_SIZE) {
         siglongjmp(*g_guard, 1);
     }
     signal(SIGBUS, SIG_DFL);  // the faulting access runs again and ends the process

@@ -167,6 +167,9 @@ TEST(ServiceSim, PagesThatCannotBeUsedEndItWithOne)
     EXPECT_NE(0, access(sim.dir.File("none").c_str(), F_OK)) << "no file made through a dangling link";
 
     // The swap file cut to nothing under the mapping, while polling and while waiting to answer.
+    if (std::getenv("ZO_TEST_EMULATOR") != nullptr) {
+        GTEST_SKIP() << "qemu-arm dies of the bus error itself instead of passing it to the program";
+    }
     for (const std::vector<std::string>& options : {std::vector<std::string>{}, {"--delay", "200"}}) {
         ASSERT_TRUE(sim.Start(options));
         if (!options.empty()) {
@@ -176,7 +179,7 @@ TEST(ServiceSim, PagesThatCannotBeUsedEndItWithOne)
         ASSERT_EQ(0, truncate(page.c_str(), 0));
         const int status = sim.Signal(0);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
-        EXPECT_NE(sim.Errors().find("the swap file " + page + " was cut below 4096 bytes"), std::string::npos)
+        EXPECT_NE(sim.Errors().find("swap file " + page + " was truncated while mapped"), std::string::npos)
             << sim.Errors();
     }
 }
