@@ -36,9 +36,9 @@ constexpr size_t kMaxName = ZoFileParse::kMaxTitleRow - 2;
 struct Catalogues {
     TempDir both;
     TempDir modsOnly;
-    KeptFile mods{both.File("mods.conf")};
-    KeptFile cmds{both.File("cmds.conf")};
-    KeptFile soloMods{modsOnly.File("mods.conf")};
+    int mods = KeepOpen(both.File("mods.conf"));
+    int cmds = KeepOpen(both.File("cmds.conf"));
+    int soloMods = KeepOpen(modsOnly.File("mods.conf"));
 };
 Catalogues* g_files = nullptr;
 
@@ -113,10 +113,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (split != nullptr) {
         const size_t cmdsStart = modsSize + sizeof kSeparator - 1;
         cmdsSize = size - cmdsStart;
-        g_files->mods.Write(data, modsSize);
-        g_files->cmds.Write(data + cmdsStart, cmdsSize);
+        Rewrite(g_files->mods, data, modsSize);
+        Rewrite(g_files->cmds, data + cmdsStart, cmdsSize);
     } else {
-        g_files->soloMods.Write(data, modsSize);
+        Rewrite(g_files->soloMods, data, modsSize);
     }
 
     ZoFileParse parse;

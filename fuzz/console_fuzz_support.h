@@ -57,9 +57,9 @@ inline ZoFileParse& Load(const std::string& paraFmt, const std::string& printFmt
     auto found = kept.find(keys);
     if (found == kept.end()) {
         static const TempDir& dir = (Console().Dir().Write("mods.conf", TestConsole::kModsText), Console().Dir());
-        static KeptFile cmds(dir.File("cmds.conf"));
+        static const int cmds = KeepOpen(dir.File("cmds.conf"));
         const std::string text = TestConsole::CmdsText({cmd});
-        cmds.Write(text.data(), text.size());
+        Rewrite(cmds, text.data(), text.size());
         if (kept.size() >= 4096) {
             kept.clear();  // bounds the memory; the console is pointed at a kept one below
         }

@@ -1,12 +1,9 @@
-// KeptFile: a file that a harness rewrites for every input, kept open and
-// rewritten in place: one pwrite, and an ftruncate only when the file
-// shrinks, instead of an open with truncation, a write and a close. What
-// reads the file opens it by its path as before and sees exactly the bytes
-// last written.
+// Files that a harness rewrites for every input, kept open and rewritten in
+// place: a pwrite and an ftruncate instead of an open with truncation, a
+// write and a close. What reads such a file opens it by its path as before.
 #ifndef ZO_FUZZ_KEPT_FILE_H
 #define ZO_FUZZ_KEPT_FILE_H
 
-#include <cstddef>
 #include <string>
 
 #include <fcntl.h>
@@ -14,28 +11,18 @@
 
 #include "fuzz_check.h"
 
-class KeptFile {
-public:
-    explicit KeptFile(const std::string& path) : m_fd(open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600))
-    {
-        FUZZ_CHECK(m_fd >= 0);
-    }
-    ~KeptFile() { close(m_fd); }
-    KeptFile(const KeptFile&) = delete;
-    KeptFile& operator=(const KeptFile&) = delete;
+// The descriptor of path, created empty, open for the rest of the process.
+inline int KeepOpen(const std::string& path)
+{
+    const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    FUZZ_CHECK(fd >= 0);
+    return fd;
+}
 
-    void Write(const void* data, size_t size)
-    {
-        FUZZ_CHECK(size == 0 || pwrite(m_fd, data, size, 0) == static_cast<ssize_t>(size));
-        if (size < m_size) {
-            FUZZ_CHECK(ftruncate(m_fd, static_cast<off_t>(size)) == 0);
-        }
-        m_size = size;
-    }
-
-private:
-    int m_fd;
-    size_t m_size = 0;
-};
+inline void Rewrite(int fd, const void* data, size_t size)
+{
+    FUZZ_CHECK(size == 0 || pwrite(fd, data, size, 0) == static_cast<ssize_t>(size));
+    FUZZ_CHECK(ftruncate(fd, static_cast<off_t>(size)) == 0);
+}
 
 #endif  // ZO_FUZZ_KEPT_FILE_H

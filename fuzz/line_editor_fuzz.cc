@@ -99,19 +99,14 @@ public:
     bool AtEnd() const { return m_at == m_size; }
 
 private:
-    // strncmp(name, line, line's length) == 0, by hand: the sanitizers'
-    // strncmp costs more than the editor's whole key handling.
+    // strncmp(name, line, line's length) == 0, without the sanitizers' costly strncmp.
     static bool Begins(const char* name, const std::string& line)
     {
-        for (size_t i = 0; i < line.size(); ++i) {
-            if (name[i] != line[i]) {
-                return false;
-            }
-            if (name[i] == '\0') {
-                return true;
-            }
+        size_t i = 0;
+        while (i < line.size() && name[i] == line[i] && name[i] != '\0') {
+            ++i;
         }
-        return true;
+        return i == line.size() || name[i] == line[i];
     }
 
     // True when several names matched and were listed.
