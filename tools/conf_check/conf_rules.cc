@@ -96,7 +96,8 @@ void CheckModuleWord(const std::string& path, const RecordedModule& mod,
     const std::string untypable = UntypableByte(word);
     if (!untypable.empty()) {
         diagnostics.Error(path, row,
-                          "the word '" + word + "' of " + name + " holds " + untypable + ": the module cannot be entered");
+                          "the word '" + word + "' of " + name + " holds " + untypable +
+                              ": the module cannot be entered");
         return;
     }
     const auto first = byWord.emplace(word, &mod);
@@ -270,7 +271,8 @@ void CheckCatalogue(const ConfRecorder& recorder, ConfDiagnostics& diagnostics)
     CheckCommands(recorder, modules, diagnostics);
     for (const std::string* path : {&recorder.ModsPath(), &recorder.CmdsPath()}) {
         if (recorder.HoldsNoBlock(*path)) {
-            diagnostics.Error(*path, 1, "the file holds no block (no \"[title]\" row): the console loads nothing from it");
+            diagnostics.Error(*path, 1,
+                              "the file holds no block (no \"[title]\" row): the console loads nothing from it");
         }
     }
     for (const auto& mod : modules.byName) {

@@ -42,7 +42,8 @@ public:
                std::FILE* out);
 
     // Polls the page every 2 ms and serves each request until stop is
-    // non-zero: then true. False as soon as the page is lost (SharedPage::Lost).
+    // non-zero: then true. False as soon as the page is lost (its file was
+    // truncated).
     bool Serve(const volatile sig_atomic_t& stop);
 
 private:

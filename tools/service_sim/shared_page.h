@@ -50,15 +50,12 @@ public:
     bool ClearRequestBit();
     bool PostReply(const uint8_t* reply, size_t length, uint32_t claimedSize);
 
-    // True once an access found the swap file cut below a page.
-    bool Lost() const { return m_lost; }
-
 private:
     template <typename Access>
     bool Guarded(Access access);
 
     void* m_base = nullptr;
-    bool m_lost = false;
+    bool m_lost = false;  // an access found the swap file cut below a page
 };
 
 #endif  // ZO_TOOLS_SERVICE_SIM_SHARED_PAGE_H
