@@ -25,7 +25,7 @@ int MsLeft(Clock::time_point deadline)
 
 PtySession::~PtySession()
 {
-    if (m_pid > 0 && !m_reaped) {
+    if (m_pid > 0) {
         kill(m_pid, SIGKILL);
         waitpid(m_pid, nullptr, 0);
     }
@@ -82,17 +82,14 @@ bool PtySession::WaitFor(const std::string& text, std::string* upTo, int timeout
 }
 
 // The terminal closes when the program ends: read up to then, and reap it.
-bool PtySession::WaitForExit(int* status, int timeoutMs)
+bool PtySession::WaitForExit(int* status)
 {
-    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    const auto deadline = Clock::now() + std::chrono::milliseconds(5000);
     while (MsLeft(deadline) > 0 && ReadSome(MsLeft(deadline))) {
     }
-    if (!m_reaped) {
-        m_status = WaitChild(m_pid, MsLeft(deadline));  // kills the program when it has not ended in time
-        m_reaped = true;
-    }
-    *status = m_status;
-    return m_status != -1;
+    *status = WaitChild(m_pid, MsLeft(deadline));  // kills the program when it has not ended in time
+    m_pid = -1;
+    return *status != -1;
 }
 
 bool PtySession::DefaultTermios(struct termios* settings)
