@@ -11,7 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include "stdout_capture.h"
 #include "temp_dir.h"
 
 namespace {
@@ -60,9 +59,10 @@ TEST(ZoFile, RowsOfAFileAndRefusals)
             path.replace(0, 3, dir.Path());
         }
         ZoFile file;
-        StdoutCapture out;
+        testing::internal::CaptureStdout();
         EXPECT_EQ(file.Init(path, c.mode), c.outcome == kRows ? 0 : -1);
-        EXPECT_EQ(out.Text(), c.outcome == kRefused ? path + " is not a regular file\n" : "");
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  c.outcome == kRefused ? path + " is not a regular file\n" : "");
         EXPECT_EQ(file.GetIOExceptionStatus() != 0, c.outcome != kRows);
         EXPECT_EQ(file.IsEmpty(), c.rows.empty());
         EXPECT_EQ(AllRows(file), c.rows);
