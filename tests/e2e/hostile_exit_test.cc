@@ -39,8 +39,8 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         {"missing: created, refused, removed", [](const std::string&) {}, "swap file PAGE is 0" + tooShort, false},
         {"one byte short", [](const std::string& p) { std::ofstream(p) << std::string(4095, 'x'); },
          "swap file PAGE is 4095" + tooShort, true},
-        {"directory", [](const std::string& p) { mkdir(p.c_str(), 0700); }, "swap file PAGE is a directory" + notRegular,
-         true},
+        {"directory", [](const std::string& p) { mkdir(p.c_str(), 0700); },
+         "swap file PAGE is a directory" + notRegular, true},
         {"FIFO", [](const std::string& p) { mkfifo(p.c_str(), 0600); }, "swap file PAGE is a FIFO" + notRegular, true},
         {"device", [](const std::string& p) { (void)!symlink("/dev/null", p.c_str()); },
          "swap file PAGE is a character device" + notRegular, true},
@@ -139,7 +139,8 @@ TEST(ConsoleEnds, TruncatedSwapFileEndsWith1InsteadOfSigbus)
     ASSERT_EQ(0, truncate(run.Dir().File(".tv").c_str(), 0));
     ASSERT_TRUE(run.Pty().Write("int 5\n"));
     EXPECT_EQ("exit 1", run.Exit());
-    const std::string message = "swap file " + run.Dir().File(".tv") + " was truncated while mapped: the shared page is lost\r\n";
+    const std::string message =
+        "swap file " + run.Dir().File(".tv") + " was truncated while mapped: the shared page is lost\r\n";
     EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
 }
 
