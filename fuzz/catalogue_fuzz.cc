@@ -2,8 +2,9 @@
 //
 // Input: the bytes before the first "\n%%\n" are "mods.conf", the bytes after
 // it "cmds.conf"; without that line there is no "cmds.conf" at all. Both are
-// real files in a directory made once per process (in /dev/shm when there is
-// one: they are rewritten for every input), as the row reader opens them by path.
+// real files, as the row reader opens them by path: in one directory made once
+// per process, or "mods.conf" alone in a second one (in /dev/shm when there is
+// one), kept open and rewritten in place for every input.
 //
 // Checked besides memory safety: Init fails exactly when a file is missing or
 // has no byte; module names and module words pair up, names ascend byte-wise
@@ -21,6 +22,7 @@
 
 #include "fuzz_check.h"
 #include "fuzz_quiet.h"
+#include "kept_file.h"
 #include "temp_dir.h"
 #include "zo_file_parse.h"
 
@@ -30,7 +32,15 @@ constexpr size_t kMaxValue = ZoFileParse::kMaxValue;
 // A title's name is the title row without its brackets.
 constexpr size_t kMaxName = ZoFileParse::kMaxTitleRow - 2;
 
-const TempDir* g_dir = nullptr;
+// The directory with both files, the one with "mods.conf" alone, and their files.
+struct Catalogues {
+    TempDir both;
+    TempDir modsOnly;
+    int mods = KeepOpen(both.File("mods.conf"));
+    int cmds = KeepOpen(both.File("cmds.conf"));
+    int soloMods = KeepOpen(modsOnly.File("mods.conf"));
+};
+Catalogues* g_files = nullptr;
 
 bool IsSpace(char c)
 {
@@ -88,8 +98,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
     if (access("/dev/shm", W_OK) == 0) {
         setenv("TMPDIR", "/dev/shm", 1);
     }
-    static const TempDir dir;
-    g_dir = &dir;
+    static Catalogues files;
+    g_files = &files;
     return 0;
 }
 
@@ -99,19 +109,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const uint8_t* split =
         static_cast<const uint8_t*>(memmem(data, size, kSeparator, sizeof kSeparator - 1));
     const size_t modsSize = split != nullptr ? static_cast<size_t>(split - data) : size;
-    const char* const text = reinterpret_cast<const char*>(data);
-    g_dir->Write("mods.conf", std::string(text, modsSize));
     size_t cmdsSize = 0;
     if (split != nullptr) {
         const size_t cmdsStart = modsSize + sizeof kSeparator - 1;
         cmdsSize = size - cmdsStart;
-        g_dir->Write("cmds.conf", std::string(text + cmdsStart, cmdsSize));
+        Rewrite(g_files->mods, data, modsSize);
+        Rewrite(g_files->cmds, data + cmdsStart, cmdsSize);
     } else {
-        unlink(g_dir->File("cmds.conf").c_str());
+        Rewrite(g_files->soloMods, data, modsSize);
     }
 
     ZoFileParse parse;
-    parse.Init(g_dir->Path());
+    parse.Init((split != nullptr ? g_files->both : g_files->modsOnly).Path());
     const bool complete = modsSize != 0 && split != nullptr && cmdsSize != 0;
     FUZZ_CHECK(parse.GetIOExceptionStatus() == (complete ? 0 : 1));
 

@@ -1,16 +1,25 @@
 // What the console harnesses share: a quiet process and the test console
 // (tests/support/console_peer.h) standing in module "M", whose one command
-// "run" is written afresh for every input. Its directory is in /dev/shm when
-// there is one, so rewriting the catalogue costs no disk I/O.
+// "run" has the keys an input gives. Its directory is in /dev/shm when there
+// is one, so writing the catalogue costs no disk I/O.
+//
+// Loading a catalogue is deterministic, so each set of keys is written and
+// loaded once and the catalogue kept: a later input with the same keys (most
+// inputs: mutations mostly leave them alone) gets the kept one, with no file
+// written or read and no parse.
 #ifndef ZO_FUZZ_CONSOLE_FUZZ_SUPPORT_H
 #define ZO_FUZZ_CONSOLE_FUZZ_SUPPORT_H
 
 #include <cstdlib>
+#include <map>
+#include <memory>
+#include <string>
 
 #include <unistd.h>
 
 #include "console_peer.h"
 #include "fuzz_quiet.h"
+#include "kept_file.h"
 
 namespace fuzz_console {
 
@@ -38,10 +47,28 @@ inline TestConsole& Console()
     return (void)quiet, console;
 }
 
-// Loads a fresh catalogue whose command "run" has these keys, each made one row.
+// The catalogue whose command "run" has these keys, each made one row, with
+// the console standing in its module M.
 inline ZoFileParse& Load(const std::string& paraFmt, const std::string& printFmt, const std::string& printTags)
 {
-    return Console().Load({{kCmdWord, "0x21", OneRow(paraFmt), OneRow(printFmt), OneRow(printTags), "fuzzed"}});
+    static std::map<std::string, std::unique_ptr<ZoFileParse>> kept;
+    const TestCmd cmd = {kCmdWord, "0x21", OneRow(paraFmt), OneRow(printFmt), OneRow(printTags), "fuzzed"};
+    const std::string keys = cmd.paraFmt + '\n' + cmd.printFmt + '\n' + cmd.printTags;
+    auto found = kept.find(keys);
+    if (found == kept.end()) {
+        static const TempDir& dir = (Console().Dir().Write("mods.conf", TestConsole::kModsText), Console().Dir());
+        static const int cmds = KeepOpen(dir.File("cmds.conf"));
+        const std::string text = TestConsole::CmdsText({cmd});
+        Rewrite(cmds, text.data(), text.size());
+        if (kept.size() >= 4096) {
+            kept.clear();  // bounds the memory; the console is pointed at a kept one below
+        }
+        found = kept.emplace(keys, std::unique_ptr<ZoFileParse>(new ZoFileParse())).first;
+        found->second->Init(dir.Path());
+    }
+    ZoCmdDebugTestPeer::UseCatalogue(Console().Get(), found->second.get());
+    ZoCmdDebugTestPeer::EnterModule(Console().Get(), "M");
+    return *found->second;
 }
 
 }  // namespace fuzz_console

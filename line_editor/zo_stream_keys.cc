@@ -1,9 +1,11 @@
-// Reading keys: the byte table, the reading loop, and the actions of the keys
-// that edit the line (Enter, Backspace, space, ordinary bytes).
+// Reading keys: the reading loop over the key table (zo_stream_key_table.h),
+// and the actions of the keys that edit the line (Enter, Backspace, space,
+// ordinary bytes).
 #include "zo_stream.h"
 
 #include <cstdio>
 
+#include "zo_stream_key_table.h"
 #include "zo_stream_screen.h"
 
 namespace {
@@ -17,47 +19,6 @@ constexpr size_t kMaxHistory = 10000;
 char s_achLine[kLineBufferSize];
 // Returned after a completion listing; callers recognise it by its text.
 char s_achTab[] = "TAB";
-
-enum class KeyAction {
-    kDiscard,      // nothing stored, nothing echoed
-    kBackspace,    // OnBackspace
-    kComplete,     // OnTab
-    kEnter,        // OnEnter
-    kSpace,        // OnSpace
-    kHistoryUp,    // OnUp
-    kHistoryDown,  // OnDown
-    kInsert,       // OnInsert
-};
-
-// The key table. It looks at one byte at a time and keeps no escape-sequence
-// state: the arrow keys ESC '[' 'A' and ESC '[' 'B' work because ESC and '['
-// are dropped wherever they occur, which also makes a typed 'A' or 'B' recall
-// history and leaves 'C', 'D' and '[' impossible to enter (Left and Right do
-// nothing). DEL (127), CR (13) and Ctrl-D (4) are ordinary bytes.
-KeyAction ActionOf(int byte)
-{
-    switch (byte) {
-    case 27:  // ESC
-    case '[':
-    case 'C':  // Right arrow's last byte
-    case 'D':  // Left arrow's last byte
-        return KeyAction::kDiscard;
-    case 8:
-        return KeyAction::kBackspace;
-    case 9:
-        return KeyAction::kComplete;
-    case 10:
-        return KeyAction::kEnter;
-    case ' ':
-        return KeyAction::kSpace;
-    case 'A':  // also the Up arrow's last byte
-        return KeyAction::kHistoryUp;
-    case 'B':  // also the Down arrow's last byte
-        return KeyAction::kHistoryDown;
-    default:
-        return KeyAction::kInsert;
-    }
-}
 
 }  // namespace
 
@@ -73,29 +34,29 @@ char* ZoStream::Gets()
         if (byte == EOF) {
             return nullptr;
         }
-        switch (ActionOf(byte)) {
-        case KeyAction::kDiscard:
+        switch (ZoKeyActionOf(byte)) {
+        case ZoKeyAction::kDiscard:
             break;
-        case KeyAction::kBackspace:
+        case ZoKeyAction::kBackspace:
             OnBackspace();
             break;
-        case KeyAction::kComplete:
+        case ZoKeyAction::kComplete:
             if (OnTab() == 0) {
                 return s_achTab;
             }
             break;
-        case KeyAction::kEnter:
+        case ZoKeyAction::kEnter:
             return OnEnter();
-        case KeyAction::kSpace:
+        case ZoKeyAction::kSpace:
             OnSpace();
             break;
-        case KeyAction::kHistoryUp:
+        case ZoKeyAction::kHistoryUp:
             OnUp();
             break;
-        case KeyAction::kHistoryDown:
+        case ZoKeyAction::kHistoryDown:
             OnDown();
             break;
-        case KeyAction::kInsert:
+        case ZoKeyAction::kInsert:
             if (OnInsert(byte) != 0) {
                 return nullptr;
             }

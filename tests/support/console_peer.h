@@ -38,14 +38,8 @@ public:
     ZoFileParse& Load(const std::vector<TestCmd>& cmds) { return Load(m_dir, cmds); }
     ZoFileParse& Load(const TempDir& dir, const std::vector<TestCmd>& cmds)
     {
-        std::string text;
-        for (const TestCmd& cmd : cmds) {
-            text += "[" + cmd.word + "]\ncommand = " + cmd.word + "\nbelong module = M\ninstruction = " +
-                    cmd.instruction + "\n" + Key("para format", cmd.paraFmt) + Key("print format", cmd.printFmt) +
-                    Key("print tags", cmd.printTags) + Key("description", cmd.descrip);
-        }
-        dir.Write("mods.conf", "[M]\ncommand = m\ninstruction = 0x10\n");
-        dir.Write("cmds.conf", text);
+        dir.Write("mods.conf", kModsText);
+        dir.Write("cmds.conf", CmdsText(cmds));
         m_catalogue.reset(new ZoFileParse());
         m_catalogue->Init(dir.Path());
         ZoCmdDebugTestPeer::UseCatalogue(m_console, m_catalogue.get());
@@ -55,6 +49,19 @@ public:
 
     ZoCmdDebug& Get() { return m_console; }
     const TempDir& Dir() const { return m_dir; }
+
+    // The two files' texts.
+    static constexpr const char* kModsText = "[M]\ncommand = m\ninstruction = 0x10\n";
+    static std::string CmdsText(const std::vector<TestCmd>& cmds)
+    {
+        std::string text;
+        for (const TestCmd& cmd : cmds) {
+            text += "[" + cmd.word + "]\ncommand = " + cmd.word + "\nbelong module = M\ninstruction = " +
+                    cmd.instruction + "\n" + Key("para format", cmd.paraFmt) + Key("print format", cmd.printFmt) +
+                    Key("print tags", cmd.printTags) + Key("description", cmd.descrip);
+        }
+        return text;
+    }
 
 private:
     static std::string Key(const char* key, const std::string& value)

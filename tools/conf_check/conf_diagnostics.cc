@@ -13,6 +13,17 @@ std::string Counted(int n, const char* noun)
 
 }  // namespace
 
+std::string ShownByte(char byte)
+{
+    const unsigned char value = static_cast<unsigned char>(byte);
+    if (value >= 0x20 && value < 0x7f) {
+        return std::string("'") + byte + "'";
+    }
+    char hex[8];
+    snprintf(hex, sizeof hex, "0x%02x", value);
+    return hex;
+}
+
 void ConfDiagnostics::Error(const std::string& file, int line, const std::string& text)
 {
     Add(file, line, true, text);

@@ -14,6 +14,9 @@
 #include <tuple>
 #include <vector>
 
+// A byte as a message shows it: printable ones in quotes ('C'), others in hex (0x09).
+std::string ShownByte(char byte);
+
 class ConfDiagnostics
 {
 public:

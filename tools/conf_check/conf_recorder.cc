@@ -100,12 +100,14 @@ const std::string& ConfRecorder::Follow(const char* file)
 
 void ConfRecorder::OnFileEmpty(const char* file)
 {
-    m_diagnostics.Error(Follow(file), 1, "the file holds no rows: the console reports a failed load");
+    const std::string& path = Follow(file);
+    m_empty.insert(path);
+    m_diagnostics.Error(path, 1, "the file holds no rows: the console reports a failed load");
 }
 
 void ConfRecorder::OnBlockOpened(const char* file, int row, const std::string& name)
 {
-    Follow(file);
+    m_withBlocks.insert(Follow(file));
     m_blockName = name;
     m_blockRow = row;
     m_keyRows.clear();

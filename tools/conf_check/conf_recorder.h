@@ -14,6 +14,7 @@
 #define ZO_TOOLS_CONF_CHECK_CONF_RECORDER_H
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,11 @@ public:
     // Every finished block, in file order.
     const std::vector<RecordedModule>& Modules() const { return m_modules; }
     const std::vector<RecordedCommand>& Commands() const { return m_commands; }
+    // True when the file at path holds rows but no title opened a block in it.
+    bool HoldsNoBlock(const std::string& path) const
+    {
+        return m_withBlocks.count(path) == 0 && m_empty.count(path) == 0;
+    }
 
     void OnFileEmpty(const char* file) override;
     void OnBlockOpened(const char* file, int row, const std::string& name) override;
@@ -77,6 +83,8 @@ private:
     ConfDiagnostics& m_diagnostics;
     std::vector<RecordedModule> m_modules;
     std::vector<RecordedCommand> m_commands;
+    std::set<std::string> m_withBlocks;  // paths of the files in which a block opened
+    std::set<std::string> m_empty;       // paths of the files without rows
 
     // The file being read and its block state.
     std::string m_file;

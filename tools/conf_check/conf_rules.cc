@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "format_rules.h"
+#include "zo_stream_key_table.h"
 
 namespace
 {
@@ -35,6 +36,19 @@ bool IsConsoleWord(const std::string& word)
         }
     }
     return false;
+}
+
+// The first byte of word that typing at the prompt cannot enter, and what
+// typing it does instead: "'C', which the line editor drops". Empty when
+// every byte can be typed.
+std::string UntypableByte(const std::string& word)
+{
+    for (const char c : word) {
+        if (const char* effect = ZoKeyEffect(static_cast<unsigned char>(c))) {
+            return ShownByte(c) + ", which " + effect;
+        }
+    }
+    return "";
 }
 
 // The entered modules by name, and the names that hold a command.
@@ -77,6 +91,13 @@ void CheckModuleWord(const std::string& path, const RecordedModule& mod,
         diagnostics.Error(path, row,
                           "the word '" + word + "' of " + name +
                               " is the console's own (help, ?, q, quit): the module cannot be entered");
+        return;
+    }
+    const std::string untypable = UntypableByte(word);
+    if (!untypable.empty()) {
+        diagnostics.Error(path, row,
+                          "the word '" + word + "' of " + name + " holds " + untypable +
+                              ": the module cannot be entered");
         return;
     }
     const auto first = byWord.emplace(word, &mod);
@@ -174,6 +195,11 @@ void CheckCommandWord(const std::string& path, const RecordedCommand& cmd, const
         diagnostics.Error(path, row, "the command word '" + word + "' holds white space: it cannot be typed");
         return;
     }
+    const std::string untypable = UntypableByte(word);
+    if (!untypable.empty()) {
+        diagnostics.Error(path, row, "the command word '" + word + "' holds " + untypable + ": it cannot be typed");
+        return;
+    }
     if (IsConsoleWord(word)) {
         diagnostics.Warning(path, row,
                             "the command word '" + word +
@@ -243,6 +269,12 @@ void CheckCatalogue(const ConfRecorder& recorder, ConfDiagnostics& diagnostics)
     Modules modules;
     CheckModules(recorder, modules, diagnostics);
     CheckCommands(recorder, modules, diagnostics);
+    for (const std::string* path : {&recorder.ModsPath(), &recorder.CmdsPath()}) {
+        if (recorder.HoldsNoBlock(*path)) {
+            diagnostics.Error(*path, 1,
+                              "the file holds no block (no \"[title]\" row): the console loads nothing from it");
+        }
+    }
     for (const auto& mod : modules.byName) {
         if (mod.second->info.s32Instruct != -1 && modules.withCommands.count(mod.first) == 0) {
             diagnostics.Warning(recorder.ModsPath(), mod.second->row, "module '" + mod.first + "' holds no command");

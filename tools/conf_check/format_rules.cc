@@ -2,24 +2,11 @@
 #include "format_rules.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "zo_format_letters.h"
 
 namespace
 {
-
-// A letter as a message shows it: printable ones as they are, others in hex.
-std::string Shown(char letter)
-{
-    const unsigned char byte = static_cast<unsigned char>(letter);
-    if (byte >= 0x20 && byte < 0x7f) {
-        return std::string("'") + letter + "'";
-    }
-    char hex[8];
-    snprintf(hex, sizeof hex, "0x%02x", byte);
-    return hex;
-}
 
 // Reports the first letter the console does not know (an error, since it
 // refuses the whole format) or else a letter it does not support (a
@@ -39,7 +26,8 @@ void CheckLetters(const std::string& path, int row, const char* key, const std::
             letters += std::string(letters.empty() ? "" : " ") + *letter;
         }
         diagnostics.Error(path, row,
-                          what + ": " + Shown(format[bad]) + " is no format letter (" + letters + "): " + consequence);
+                          what + ": " + ShownByte(format[bad]) + " is no format letter (" + letters +
+                              "): " + consequence);
     } else if (unsupported != format.end()) {
         diagnostics.Warning(path, row,
                             what + ": the letter " + *unsupported + " is not supported: " + sConsequence);

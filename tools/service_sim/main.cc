@@ -99,7 +99,11 @@ int main(int argc, char* argv[])
     std::fprintf(stderr, "zo_service_sim: answering %zu commands on %s\n", index.Size(), pagePath.c_str());
 
     ServiceSim sim(opts, index, replies, page, stdout);
-    sim.Serve(g_stop);
+    if (!sim.Serve(g_stop)) {
+        std::fprintf(stderr, "zo_service_sim: swap file %s was truncated while mapped: the shared page is lost\n",
+                     pagePath.c_str());
+        return 1;
+    }
 
     if (!page.Close(error)) {
         std::fprintf(stderr, "zo_service_sim: %s\n", error.c_str());

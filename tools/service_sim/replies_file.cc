@@ -1,7 +1,11 @@
 #include "replies_file.h"
 
-#include <fstream>
+#include <cerrno>
+#include <cstring>
 #include <sstream>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <binder/Parcel.h>
 
@@ -65,14 +69,25 @@ bool SplitWords(const std::string& line, std::vector<std::string>& words, std::s
 
 bool RepliesFile::Load(const std::string& path, const CommandIndex& index, std::string& error)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
         error = path + ": cannot be read";
         return false;
     }
-    std::ostringstream text;
-    text << in.rdbuf();
-    if (!Parse(text.str(), index, error)) {
+    // Read to the end by hand: a stream takes a directory for an empty file.
+    std::string text;
+    char chunk[4096];
+    ssize_t n;
+    while ((n = read(fd, chunk, sizeof chunk)) > 0) {
+        text.append(chunk, static_cast<size_t>(n));
+    }
+    const int readErrno = errno;
+    close(fd);
+    if (n < 0) {
+        error = path + ": cannot be read: " + std::strerror(readErrno);
+        return false;
+    }
+    if (!Parse(text, index, error)) {
         error = path + " " + error;
         return false;
     }
@@ -102,6 +117,12 @@ bool RepliesFile::ParseLine(const std::string& line, const CommandIndex& index, 
     std::vector<std::string> words;
     if (!SplitWords(line, words, error)) {
         return false;
+    }
+    for (size_t i = 0; i < words.size(); ++i) {
+        if (words[i].find('\0') != std::string::npos) {
+            error = "word " + std::to_string(i + 1) + " holds a NUL byte";
+            return false;
+        }
     }
     int32_t code = 0;
     int32_t status = 0;

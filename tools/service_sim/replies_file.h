@@ -12,6 +12,7 @@
 // the letters run out (the console prints one row per pass over the format);
 // fewer values than letters give a short reply on purpose. A string value is
 // one word, or a double-quoted text in which \" and \\ stand for " and \.
+// A word holding a NUL byte is an error, as the value would be cut there.
 // Every reply is encoded while the file is read, so a bad line is found at
 // start-up, never while the console waits.
 #ifndef ZO_TOOLS_SERVICE_SIM_REPLIES_FILE_H
@@ -26,7 +27,8 @@
 
 class RepliesFile {
 public:
-    // Reads the file at path; false with "PATH line N: reason" in error.
+    // Reads the file at path; false with "PATH line N: reason" in error, or
+    // "PATH: cannot be read" when it cannot be opened or read (a directory).
     bool Load(const std::string& path, const CommandIndex& index, std::string& error);
     // Reads the text of a replies file; false with "line N: reason" in error.
     // On failure the table keeps the lines read before the bad one.

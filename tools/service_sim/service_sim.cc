@@ -17,45 +17,60 @@ ServiceSim::ServiceSim(const SimOptions& opts, const CommandIndex& index, const 
 {
 }
 
-void ServiceSim::Serve(const volatile sig_atomic_t& stop)
+bool ServiceSim::Serve(const volatile sig_atomic_t& stop)
 {
+    uint32_t flag = 0;
     while (stop == 0) {
-        if (ShmRequestPending(ShmLoadFlag(m_page.Page()))) {
-            ServeOne(stop);
-        } else {
+        if (!m_page.LoadFlag(flag)) {
+            return false;
+        }
+        if (!ShmRequestPending(flag)) {
             SleepUnlessStopped(kPollMs, stop);
+        } else if (!ServeOne(stop)) {
+            return false;
         }
     }
+    return true;
 }
 
-void ServiceSim::ServeOne(const volatile sig_atomic_t& stop)
+bool ServiceSim::ServeOne(const volatile sig_atomic_t& stop)
 {
-    void* page = m_page.Page();
-    const uint32_t size = ShmLoadSize(page);
+    if (!m_page.TakeRequest(m_request)) {
+        return false;
+    }
     DecodedRequest request;
-    if (size > SHM_DATA_SIZE) {
-        request.line =
-            "bad request: u32Size " + std::to_string(size) + " is more than " + std::to_string(SHM_DATA_SIZE);
+    if (m_request.size > SHM_DATA_SIZE) {
+        request.line = "bad request: u32Size " + std::to_string(m_request.size) + " is more than " +
+                       std::to_string(SHM_DATA_SIZE);
     } else {
-        request = DecodeRequest(std::vector<uint8_t>(ShmPayloadOf(page), ShmPayloadOf(page) + size), m_index);
+        request = DecodeRequest(std::vector<uint8_t>(m_request.payload, m_request.payload + m_request.length), m_index);
     }
     std::fprintf(m_out, "%s\n", request.line.c_str());
     std::fflush(m_out);
 
     if (m_opts.noReply) {
         // The request bit goes, so that the next request can be told apart from this one.
-        ShmStoreFlag(page, ShmLoadFlag(page) & ~SHM_FLAG_REQUEST);
-        return;
+        return m_page.ClearRequestBit();
     }
     if (!SleepUnlessStopped(m_opts.delayMs, stop)) {
-        return;
+        return true;
     }
     std::vector<uint8_t> reply = ChooseReply(request);
     if (reply.size() > SHM_DATA_SIZE) {
         reply = StatusReply(kStatusBadRequest);
     }
+    // During the wait the console may have gone and another one posted its own request.
+    bool holds = false;
+    if (!m_page.Holds(m_request, holds)) {
+        return false;
+    }
+    if (!holds) {
+        std::fprintf(stderr, "zo_service_sim: the page holds another request now: the answer to '%s' is dropped\n",
+                     request.line.c_str());
+        return true;
+    }
     const uint32_t claimed = m_opts.forceSize ? m_opts.sizeValue : static_cast<uint32_t>(reply.size());
-    ShmPostReply(page, reply.data(), reply.size(), claimed);
+    return m_page.PostReply(reply.data(), reply.size(), claimed);
 }
 
 std::vector<uint8_t> ServiceSim::ChooseReply(const DecodedRequest& request)

@@ -14,6 +14,9 @@
 //   replies file entry  that reply
 //   otherwise           the built-in values for the command's print format
 // --size N replaces the reply's length in u32Size with N in every answer.
+// An answer is posted only while the page still holds the request it answers:
+// after a delay the page may hold another console's request instead, and
+// then the answer is dropped with a line on standard error.
 //
 // Single-threaded; the stop flag is the only thing set from outside (by a
 // signal handler).
@@ -38,11 +41,14 @@ public:
     ServiceSim(const SimOptions& opts, const CommandIndex& index, const RepliesFile& replies, SharedPage& page,
                std::FILE* out);
 
-    // Polls the page every 2 ms and serves each request until stop is non-zero.
-    void Serve(const volatile sig_atomic_t& stop);
+    // Polls the page every 2 ms and serves each request until stop is
+    // non-zero: then true. False as soon as the page is lost (its file was
+    // truncated).
+    bool Serve(const volatile sig_atomic_t& stop);
 
 private:
-    void ServeOne(const volatile sig_atomic_t& stop);
+    // Serves the pending request; false when the page is lost.
+    bool ServeOne(const volatile sig_atomic_t& stop);
     std::vector<uint8_t> ChooseReply(const DecodedRequest& request);
     // Sleeps ms milliseconds in short steps; false as soon as stop is set.
     static bool SleepUnlessStopped(unsigned ms, const volatile sig_atomic_t& stop);
@@ -53,6 +59,7 @@ private:
     SharedPage& m_page;
     std::FILE* m_out;
     std::mt19937 m_garbage{0x5eedu};
+    PageRequest m_request;  // the request being served, as taken from the page
 };
 
 #endif  // ZO_TOOLS_SERVICE_SIM_SERVICE_SIM_H

@@ -1,4 +1,6 @@
 // zo_service_sim as a real second process on a real mapped page.
+#include <functional>
+
 #include <gtest/gtest.h>
 
 #include "hex_words.h"
@@ -90,6 +92,14 @@ TEST(ServiceSim, DelayAndNoReplyHoldTheAnswerBackAndSignalsEndIt)
         EXPECT_EQ(0u, ShmLoadFlag(sim.Page())) << "the request bit is cleared so a new request stands out";
     }
     EXPECT_EQ("<timeout>", sim.ReadLine(SimProcess::Ms(100))) << "each request is taken once";
+    ASSERT_TRUE(sim.Start({"--delay", "300"}));  // another console's request replaces it during the wait
+    sim.Post(FromHex(kCount), 4);
+    EXPECT_EQ("count", sim.ReadLine());
+    sim.Post(FromHex("99000000"), 4);
+    EXPECT_EQ("unknown instruction 0x99 (4 bytes)", sim.ReadLine());
+    const Bytes reply = sim.Reply();
+    EXPECT_EQ("ffffffff", HexWords(reply.data(), reply.size())) << "the answer to the first one is dropped";
+    EXPECT_NE(sim.Errors().find("holds another request now: the answer to 'count' is dropped"), std::string::npos);
     ASSERT_TRUE(sim.Start({"--delay", "60000"}));
     sim.Post(FromHex(kCount), 4);
     EXPECT_EQ("count", sim.ReadLine());
@@ -115,12 +125,61 @@ TEST(ServiceSim, BadArgumentsAndRepliesFilesExitWithTwo)
         {{"0x12 0 1 2 3 4 \"open"}, "no closing quote"}, {{"0x12 0 1 2 3 4 \"a\"b"}, "text right after a closing"},
         {{"0x14 0 1"}, "line 1: the print format of 'name' takes no values"},
         {{tooLong}, "line 1: the reply takes 4096 bytes, more than 4088"},
+        {{std::string("#\n0x12 0 1 2 3 4 \"a") + '\0' + "b\""}, "line 2: word 7 holds a NUL byte"},
+        {{d, "--replies", d}, "replies file " + d + ": cannot be read: Is a directory"},
     };
     for (const auto& c : cases) {
-        const bool replies = c.second != "usage:";
+        const bool replies = c.first.size() == 1 && c.second != "usage:";
         const int status = sim.Run(replies ? std::vector<std::string>{d, "--replies", sim.dir.Write("r", c.first[0])}
                                            : c.first);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2) << c.second << ": " << status;
         EXPECT_NE(sim.Errors().find(c.second), std::string::npos) << sim.Errors();
+    }
+}
+
+// A page that cannot be used ends the simulator with status 1 and a message
+// naming the swap file; a link's target is never created, grown or written.
+TEST(ServiceSim, PagesThatCannotBeUsedEndItWithOne)
+{
+    SimProcess sim;
+    WriteCatalogue(sim.dir);
+    const std::string page = sim.dir.File(".tv");
+    const std::string target = sim.dir.Write("target", "kept");
+    const struct {
+        std::function<void()> make;
+        std::string message;
+    } refused[] = {
+        {[&] { symlink(target.c_str(), page.c_str()); }, page + " is a symbolic link, not a regular file"},
+        {[&] { symlink(sim.dir.File("none").c_str(), page.c_str()); }, page + " is a symbolic link, not a regular"},
+        {[&] { mkfifo(page.c_str(), 0600); }, page + " is a FIFO, not a regular file"},
+        {[&] { mkdir(page.c_str(), 0700); }, page + " is a directory, not a regular file"},
+    };
+    for (const auto& c : refused) {
+        c.make();
+        const int status = sim.Run({sim.dir.Path()});
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << c.message << ": " << status;
+        EXPECT_NE(sim.Errors().find(c.message), std::string::npos) << sim.Errors();
+        remove(page.c_str());
+    }
+    std::string kept;
+    std::ifstream(target) >> kept;
+    EXPECT_EQ("kept", kept);
+    EXPECT_NE(0, access(sim.dir.File("none").c_str(), F_OK)) << "no file made through a dangling link";
+
+    // The swap file cut to nothing under the mapping, while polling and while waiting to answer.
+    if (std::getenv("ZO_TEST_EMULATOR") != nullptr) {
+        GTEST_SKIP() << "qemu-arm dies of the bus error itself instead of passing it to the program";
+    }
+    for (const std::vector<std::string>& options : {std::vector<std::string>{}, {"--delay", "200"}}) {
+        ASSERT_TRUE(sim.Start(options));
+        if (!options.empty()) {
+            sim.Post(FromHex(kCount), 4);
+            EXPECT_EQ("count", sim.ReadLine());
+        }
+        ASSERT_EQ(0, truncate(page.c_str(), 0));
+        const int status = sim.Signal(0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
+        EXPECT_NE(sim.Errors().find("swap file " + page + " was truncated while mapped"), std::string::npos)
+            << sim.Errors();
     }
 }
