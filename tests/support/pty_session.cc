@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <chrono>
 
 #include "child_program.h"
@@ -38,6 +39,10 @@ bool PtySession::Start(const std::string& program, const std::vector<std::string
     words.insert(words.end(), args.begin(), args.end());
     m_pid = forkpty(&m_master, nullptr, options.initialTermios, nullptr);
     if (m_pid == 0) {
+        // As from an engineer's shell: whatever ran the tests (nohup, say) may have set signals to be ignored.
+        for (const int signo : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGTSTP}) {
+            signal(signo, SIG_DFL);
+        }
         const int in = options.stdinPath.empty() ? STDIN_FILENO : open(options.stdinPath.c_str(), O_RDONLY);
         if (in >= 0 && dup2(in, STDIN_FILENO) >= 0) {
             ExecChild(words);
