@@ -35,33 +35,12 @@ int ZoCmdDebug::LoadConfig(const std::string& dir)
 
 namespace {
 
-// The kind of a file that cannot back the page, in words.
-const char* KindOf(mode_t mode)
-{
-    if (S_ISDIR(mode)) {
-        return "a directory";
-    }
-    if (S_ISFIFO(mode)) {
-        return "a FIFO";
-    }
-    if (S_ISCHR(mode)) {
-        return "a character device";
-    }
-    if (S_ISBLK(mode)) {
-        return "a block device";
-    }
-    if (S_ISSOCK(mode)) {
-        return "a socket";
-    }
-    return "a special file";
-}
-
 // Ends the process unless mode is a regular file's. Every exit of the console
 // puts the terminal back (GetInstance arranges it).
 void RefuseUnlessRegular(mode_t mode)
 {
-    if (!S_ISREG(mode)) {
-        printf("swap file %s is %s, not a regular file\n", g_strSwapFile.c_str(), KindOf(mode));
+    if (const char* kind = ShmNotRegular(mode)) {
+        printf("swap file %s is %s, not a regular file\n", g_strSwapFile.c_str(), kind);
         exit(1);
     }
 }

@@ -22,6 +22,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include <sys/stat.h>
+
 constexpr size_t SHM_SIZE = 4096;
 constexpr size_t SHM_HEAD_SIZE = 8;
 constexpr size_t SHM_DATA_SIZE = SHM_SIZE - SHM_HEAD_SIZE;
@@ -85,6 +87,31 @@ inline void ShmPostReply(void* page, const void* reply, size_t length, uint32_t 
     }
     ShmStoreSize(page, claimedSize);
     ShmStoreFlag(page, ShmLoadFlag(page) | SHM_FLAG_REPLY);
+}
+
+// What a swap file that cannot back the page is, for a message ("a FIFO");
+// null for a regular file, the only kind that can.
+inline const char* ShmNotRegular(mode_t mode)
+{
+    if (S_ISREG(mode)) {
+        return nullptr;
+    }
+    if (S_ISLNK(mode)) {
+        return "a symbolic link";
+    }
+    if (S_ISDIR(mode)) {
+        return "a directory";
+    }
+    if (S_ISFIFO(mode)) {
+        return "a FIFO";
+    }
+    if (S_ISCHR(mode)) {
+        return "a character device";
+    }
+    if (S_ISBLK(mode)) {
+        return "a block device";
+    }
+    return S_ISSOCK(mode) ? "a socket" : "a special file";
 }
 
 #endif  // ZO_CONSOLE_ZO_SHM_PAGE_H

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "stdout_capture.h"
 #include "temp_dir.h"
 
 namespace {
@@ -121,11 +120,12 @@ TEST(ZoFileParse, RowsBecomeTablesAndMessages)
             }
         }
         ZoFileParse parse;
-        StdoutCapture out;
+        testing::internal::CaptureStdout();
         const int result = parse.Init(dir.Path());
         const int status = parse.GetIOExceptionStatus();
         const std::string failed = "Init " + std::to_string(result) + ", status " + std::to_string(status) + "\n";
-        EXPECT_EQ(c.messages, out.Text() + (result != 0 || status != 0 ? failed : "")) << c.what;
+        EXPECT_EQ(c.messages, testing::internal::GetCapturedStdout() + (result != 0 || status != 0 ? failed : ""))
+            << c.what;
         EXPECT_EQ(c.tables, Tables(parse)) << c.what;
         // Lookups that miss yield empty values and create nothing.
         const unsigned int lists = parse.GetCmdPrintTags(16, "?").Size() + parse.GetModHoldCmds(99).Size();

@@ -3,7 +3,6 @@
 
 #include "console_peer.h"
 #include "hex_words.h"
-#include "stdout_capture.h"
 
 namespace {
 
@@ -52,9 +51,9 @@ TEST(ParseCmd, EncodesInstructionThenOneValuePerLetter)
         console.Load({{"cmd", "0x12", c.paraFmt, "", "", "show one channel"}});
         android::Parcel request;
         std::istringstream args(std::string(c.args) + " ");
-        StdoutCapture out;
+        testing::internal::CaptureStdout();
         EXPECT_EQ(c.result, console.Get().ParseCmd("cmd", request, args)) << c.paraFmt << " " << c.args;
         EXPECT_EQ(c.request, HexWords(request.data(), request.dataSize())) << c.paraFmt << " " << c.args;
-        EXPECT_EQ(c.printed, out.Text()) << c.paraFmt << " " << c.args;
+        EXPECT_EQ(c.printed, testing::internal::GetCapturedStdout()) << c.paraFmt << " " << c.args;
     }
 }

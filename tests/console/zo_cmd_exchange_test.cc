@@ -6,7 +6,6 @@
 
 #include "console_peer.h"
 #include "sim_process.h"
-#include "stdout_capture.h"
 
 namespace {
 
@@ -51,9 +50,9 @@ TEST(CopyCmdToBuf, EachRequestGetsItsOwnReplyPrintedOrRefused)
         android::Parcel request;
         std::istringstream args(c.line.substr(cmd.size()) + " ");
         ASSERT_EQ(0, console.Get().ParseCmd(cmd.c_str(), request, args));
-        StdoutCapture out;
+        testing::internal::CaptureStdout();
         EXPECT_EQ(c.result, console.Get().CopyCmdToBuf(cmd.c_str(), request)) << c.line;
-        EXPECT_EQ(c.printed, out.Text()) << c.line;
+        EXPECT_EQ(c.printed, testing::internal::GetCapturedStdout()) << c.line;
         EXPECT_EQ(c.simLine, c.simLine.empty() ? "" : sim.ReadLine());
     }
     // The console leaves the page as the service left it.
@@ -70,7 +69,7 @@ TEST(CopyCmdToBuf, NothingIsSentWithoutCatalogueRequestOrPage)
     android::Parcel empty, request;
     request.writeInt32(0x11);
     std::istringstream args(" ");
-    StdoutCapture out;
+    testing::internal::CaptureStdout();
     EXPECT_EQ(-1, bare.ParseCmd("count", empty, args));
     EXPECT_EQ(-1, bare.CopyCmdToBuf("count", request));
     EXPECT_EQ(-1, console.Get().CopyCmdToBuf("count", request));  // no page mapped
@@ -78,6 +77,6 @@ TEST(CopyCmdToBuf, NothingIsSentWithoutCatalogueRequestOrPage)
     EXPECT_EQ(-1, console.Get().CopyCmdToBuf("count", empty));
     g_pShareMem = MAP_FAILED;
     EXPECT_EQ("please load cfg before call <ParseCmd>.\nplease load cfg before call <CopyCmdToBuf>.\n"
-              "requestData is the null\n", out.Text());
+              "requestData is the null\n", testing::internal::GetCapturedStdout());
     EXPECT_EQ(0u, ShmLoadFlag(page));
 }

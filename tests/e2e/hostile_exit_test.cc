@@ -1,8 +1,10 @@
-// The ways the console ends when its swap file, its process or its resources
-// turn against it: each one but the Ctrl-C kill leaves the terminal as the
-// console found it, and the shell sees the status or the signal it expects.
+// The ways the console ends: a wrong command line, a swap file, process or
+// resources turned against it, or the engineer's keys. Each one but the Ctrl-C
+// kill leaves the terminal as the console found it, and the shell sees the
+// status or the signal it expects.
 #include "console_run.h"
 
+#include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -12,6 +14,16 @@
 #include <fstream>
 
 namespace {
+
+TEST(ConsoleEnds, MissingOrExtraArgumentPrintsUsageAndExits2)
+{
+    for (const std::vector<std::string>& args : {std::vector<std::string>{}, std::vector<std::string>{"a", "b"}}) {
+        ConsoleRun run;
+        ASSERT_TRUE(run.StartProgram(args));
+        EXPECT_EQ("exit 2", run.Exit());
+        EXPECT_EQ(0u, run.Pty().Screen().find("usage: ")) << run.Pty().Screen();
+    }
+}
 
 TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
 {
@@ -27,8 +39,8 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         {"missing: created, refused, removed", [](const std::string&) {}, "swap file PAGE is 0" + tooShort, false},
         {"one byte short", [](const std::string& p) { std::ofstream(p) << std::string(4095, 'x'); },
          "swap file PAGE is 4095" + tooShort, true},
-        {"directory", [](const std::string& p) { mkdir(p.c_str(), 0700); }, "swap file PAGE is a directory" + notRegular,
-         true},
+        {"directory", [](const std::string& p) { mkdir(p.c_str(), 0700); },
+         "swap file PAGE is a directory" + notRegular, true},
         {"FIFO", [](const std::string& p) { mkfifo(p.c_str(), 0600); }, "swap file PAGE is a FIFO" + notRegular, true},
         {"device", [](const std::string& p) { (void)!symlink("/dev/null", p.c_str()); },
          "swap file PAGE is a character device" + notRegular, true},
@@ -79,7 +91,7 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
     };
     const Case cases[] = {
         {SIGTERM, nullptr, "signal 15"}, {SIGHUP, nullptr, "signal 1"}, {SIGQUIT, "\x1c", "signal 3"},
-        {SIGPIPE, nullptr, "signal 13"}, {SIGINT, "\x03", "signal 9, terminal raw"},  // Ctrl-C, as it always was
+        {SIGPIPE, nullptr, "signal 13"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.signo);
@@ -90,6 +102,27 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
         ASSERT_TRUE(c.keys != nullptr ? run.Pty().Write(c.keys) : kill(run.Pty().Pid(), c.signo) == 0);
         EXPECT_EQ(c.end, run.Exit());
     }
+}
+
+// Ctrl-Z and Ctrl-C typed on the terminal: the terminal raises the signals, the console's own thread acts on them.
+TEST(ConsoleEnds, CtrlZStopsAndFgResumesCtrlCKillsWithSignal9AlsoDuringAWait)
+{
+    ConsoleRun run;
+    ASSERT_TRUE(run.StartSim({"--no-reply"}));
+    ASSERT_EQ("", run.StartConsole());
+    ASSERT_TRUE(run.Pty().Write("\x1a"));
+    siginfo_t info{};
+    for (int ms = 0; ms < 5000 && info.si_code != CLD_STOPPED && poll(nullptr, 0, 2) == 0; ms += 2) {
+        waitid(P_PID, static_cast<id_t>(run.Pty().Pid()), &info, WSTOPPED | WNOHANG | WNOWAIT);
+    }
+    ASSERT_EQ(CLD_STOPPED, info.si_code);
+    ASSERT_EQ(0, kill(run.Pty().Pid(), SIGCONT));
+    // It reads and answers again, although it now sends itself SIGCONT every 10 ms.
+    EXPECT_EQ("tun\nTuner@", run.Type("tun\n"));
+    ASSERT_TRUE(run.Pty().Write("scan\n"));
+    ASSERT_EQ("scan", run.SimLine());  // a request the service never answers
+    ASSERT_TRUE(run.Pty().Write("\x03"));
+    EXPECT_EQ("signal 9, terminal raw", run.Exit());
 }
 
 // The file is cut to 0 bytes between two commands.
@@ -106,7 +139,8 @@ TEST(ConsoleEnds, TruncatedSwapFileEndsWith1InsteadOfSigbus)
     ASSERT_EQ(0, truncate(run.Dir().File(".tv").c_str(), 0));
     ASSERT_TRUE(run.Pty().Write("int 5\n"));
     EXPECT_EQ("exit 1", run.Exit());
-    const std::string message = "swap file " + run.Dir().File(".tv") + " was truncated while mapped: the shared page is lost\r\n";
+    const std::string message =
+        "swap file " + run.Dir().File(".tv") + " was truncated while mapped: the shared page is lost\r\n";
     EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
 }
 

@@ -1,5 +1,6 @@
 // The prompt loop as an engineer meets it, against the simulator: help, modules,
-// the lines the console refuses, a command of each format letter, quitting.
+// the lines the console refuses, a command of each format letter, quitting; and
+// a catalogue that fails to load.
 #include "console_run.h"
 
 #include <fcntl.h>
@@ -68,4 +69,15 @@ TEST(ConsoleInput, LinesFromAPipeRunUntilItsEndThenExit0)
     EXPECT_EQ("help\n" + kFormatsHelp + "Formats@", run.Type(""));
     close(keys);
     EXPECT_EQ("exit 0", run.Exit());
+}
+
+TEST(ConsolePrompt, MissingCatalogueIsReportedAndTheConsoleStillRuns)
+{
+    ConsoleRun run(false);
+    run.WritePage();
+    EXPECT_EQ("file path error or open file failure\nParseModules fail\nfile path error or open file failure\n"
+              "ParseCmds fail\nParseModules fail or ParseCmds fail.\n",
+              run.StartConsole());
+    // The complaint follows every prompt; lines are still read and dispatched.
+    EXPECT_EQ("Error:modCount+cmdCount=0\nfmt\nError:Illegal Command.\n", run.Type("fmt\n"));
 }

@@ -1,7 +1,7 @@
-// Runs the line editor as the console's prompt loop does: line_editor_driver [--hold] [GROUP=name,name,...]...
+// Runs the line editor as the console's prompt loop does: line_editor_driver [GROUP=name,name,...]...
 // Each GROUP registers completion names before every prompt, the first one clearing the registry. Prints "TV $",
 // each line as "<<line>>\n" (not after a listing), "<null>\n" when Gets returns null; "quit" or null ends the loop
-// with "reset <result>\n". --hold then waits for a line, so that a test can look at the restored terminal.
+// with "reset <result>\n".
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -11,9 +11,8 @@
 
 int main(int argc, char** argv)
 {
-    const bool hold = argc > 1 && std::strcmp(argv[1], "--hold") == 0;
     std::vector<std::pair<const char*, std::vector<const char*>>> groups;
-    for (int i = hold ? 2 : 1; i < argc; ++i) {
+    for (int i = 1; i < argc; ++i) {
         char* names = std::strchr(argv[i], '=');
         *names++ = '\0';
         groups.push_back({argv[i], {}});
@@ -37,9 +36,5 @@ int main(int argc, char** argv)
         }
     }
     std::printf("reset %d\n", stream.ResetTermios());
-    std::fflush(stdout);
-    for (int byte = 0; hold && byte != EOF && byte != '\n';) {
-        byte = std::getchar();
-    }
     return 0;
 }

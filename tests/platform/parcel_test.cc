@@ -6,20 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include "hex_words.h"
+
 using namespace android;
 
 namespace {
-
-// The bytes written, in groups of four.
-std::string Hex(const Parcel& parcel)
-{
-    const char digits[] = "0123456789abcdef";
-    std::string out;
-    for (size_t i = 0; i < parcel.dataSize(); ++i) {
-        out += std::string(i != 0 && i % 4 == 0, ' ') + digits[parcel.data()[i] >> 4] + digits[parcel.data()[i] & 15];
-    }
-    return out;
-}
 
 // Reads one value per letter (d D f F s, as in the formats), then tells the position and the bytes left.
 std::string Read(const std::vector<uint8_t>& bytes, const std::string& letters)
@@ -56,7 +47,7 @@ TEST(Parcel, ValuesHaveTheDeviceLayoutAndReadBackInOrder)
     }
     EXPECT_EQ("78563412 ffffffff 08070605 04030201 0000c03f 00000000 000002c0 00000000 00000000 05000000 68006500 "
               "6c006c00 6f000000 02000000 68006900 00000000 02000000 6800e900 00000000 03000000 61003dd8 00de0000",
-              Hex(parcel));
+              HexWords(parcel.data(), parcel.dataSize()));
     EXPECT_EQ("305419896 -1 72623859790382856 1.500000 -2.250000 \"\" \"hello\" \"hi\" \"h\xC3\xA9\" "
               "\"a\xF0\x9F\x98\x80\" 0 @88+0",
               Read(std::vector<uint8_t>(parcel.data(), parcel.data() + parcel.dataSize()), "ddDfFsssssd"));

@@ -8,7 +8,6 @@
 #include <utils/String16.h>
 
 #include "log_capture.h"
-#include "stdout_capture.h"
 
 using Reply = std::function<void(android::Parcel&)>;
 
@@ -62,11 +61,11 @@ TEST(Printer, PrintsOneRowPerPassBetweenSeparators)
         for (const char* tag = c.tags; *tag != '\0'; ++tag) {
             tags.PushBack(std::string(1, *tag));
         }
-        StdoutCapture out;
+        testing::internal::CaptureStdout();
         Printer printer(reply);
         EXPECT_EQ(c.result, printer.Fmt(c.fmt, tags)) << c.printed;
         printer.Flush();
-        EXPECT_EQ(c.printed, out.Text());
+        EXPECT_EQ(c.printed, testing::internal::GetCapturedStdout());
     }
     std::string records;
     for (const ZoLogRecord& r : log.Records()) {

@@ -15,23 +15,17 @@
 #include <string>
 #include <vector>
 
-// The emulator's words, if any, in front of argv.
-inline std::vector<std::string> ChildCommand(const std::vector<std::string>& argv)
+// For a forked child: replaces the process with the program, behind the emulator's words if any. Returns only if
+// exec failed.
+inline void ExecChild(const std::vector<std::string>& argv)
 {
     const char* emulator = std::getenv("ZO_TEST_EMULATOR");
     std::istringstream words(emulator != nullptr ? emulator : "");
     std::vector<std::string> command{std::istream_iterator<std::string>(words), std::istream_iterator<std::string>()};
     command.insert(command.end(), argv.begin(), argv.end());
-    return command;
-}
-
-// For a forked child: replaces the process with the program. Returns only if exec failed.
-inline void ExecChild(const std::vector<std::string>& argv)
-{
-    const std::vector<std::string> command = ChildCommand(argv);
     std::vector<char*> args;
-    for (const std::string& word : command) {
-        args.push_back(const_cast<char*>(word.c_str()));
+    for (std::string& word : command) {
+        args.push_back(&word[0]);
     }
     args.push_back(nullptr);
     execvp(args[0], args.data());

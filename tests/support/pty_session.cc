@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <chrono>
 
 #include "child_program.h"
@@ -25,7 +26,7 @@ int MsLeft(Clock::time_point deadline)
 
 PtySession::~PtySession()
 {
-    if (m_pid > 0 && !m_reaped) {
+    if (m_pid > 0) {
         kill(m_pid, SIGKILL);
         waitpid(m_pid, nullptr, 0);
     }
@@ -38,6 +39,10 @@ bool PtySession::Start(const std::string& program, const std::vector<std::string
     words.insert(words.end(), args.begin(), args.end());
     m_pid = forkpty(&m_master, nullptr, options.initialTermios, nullptr);
     if (m_pid == 0) {
+        // As from an engineer's shell: whatever ran the tests (nohup, say) may have set signals to be ignored.
+        for (const int signo : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGTSTP}) {
+            signal(signo, SIG_DFL);
+        }
         const int in = options.stdinPath.empty() ? STDIN_FILENO : open(options.stdinPath.c_str(), O_RDONLY);
         if (in >= 0 && dup2(in, STDIN_FILENO) >= 0) {
             ExecChild(words);
@@ -82,17 +87,14 @@ bool PtySession::WaitFor(const std::string& text, std::string* upTo, int timeout
 }
 
 // The terminal closes when the program ends: read up to then, and reap it.
-bool PtySession::WaitForExit(int* status, int timeoutMs)
+bool PtySession::WaitForExit(int* status)
 {
-    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    const auto deadline = Clock::now() + std::chrono::milliseconds(5000);
     while (MsLeft(deadline) > 0 && ReadSome(MsLeft(deadline))) {
     }
-    if (!m_reaped) {
-        m_status = WaitChild(m_pid, MsLeft(deadline));  // kills the program when it has not ended in time
-        m_reaped = true;
-    }
-    *status = m_status;
-    return m_status != -1;
+    *status = WaitChild(m_pid, MsLeft(deadline));  // kills the program when it has not ended in time
+    m_pid = -1;
+    return *status != -1;
 }
 
 bool PtySession::DefaultTermios(struct termios* settings)

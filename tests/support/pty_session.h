@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+// Outside the class: a default argument cannot use a nested class's member initializers.
 struct PtySessionOptions {
     const struct termios* initialTermios = nullptr;  // null: the system's defaults
     std::string stdinPath;                           // when set, standard input is this file, not the terminal
@@ -27,15 +28,15 @@ public:
     PtySession& operator=(const PtySession&) = delete;
 
     // False when the terminal could not be made; a program that cannot be started ends with status 127.
-    bool Start(const std::string& program, const std::vector<std::string>& args, const Options& options = Options());
+    bool Start(const std::string& program, const std::vector<std::string>& args, const Options& options = {});
     // Sends keys. It blocks while the terminal's input buffer (4 KB) is full: keep pastes shorter.
     bool Write(const std::string& bytes);
     // Consumes the screen up to and including the first text (stored in *upTo); false on time-out or when the
     // terminal closed first.
     bool WaitFor(const std::string& text, std::string* upTo = nullptr, int timeoutMs = 5000);
-    // True, with the waitpid() status, when the program ended in time (else it is killed); its last output is then
-    // on the screen.
-    bool WaitForExit(int* status, int timeoutMs = 5000);
+    // True, with the waitpid() status, when the program ended within 5 s (else it is killed); its last output is
+    // then on the screen. Once only.
+    bool WaitForExit(int* status);
     // The terminal's settings as the program sees them, and changing them behind its back: 0 or -1.
     int GetAttr(struct termios* settings) const { return tcgetattr(m_master, settings); }
     int SetAttr(const struct termios& settings) { return tcsetattr(m_master, TCSANOW, &settings); }
@@ -52,8 +53,6 @@ private:
     pid_t m_pid = -1;
     int m_master = -1;
     bool m_closed = false;
-    bool m_reaped = false;
-    int m_status = -1;
     size_t m_consumed = 0;
     std::string m_screen;
 };

@@ -13,6 +13,7 @@
 #include <string>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "conf_diagnostics.h"
@@ -59,17 +60,21 @@ private:
 // True when path can be opened and read; otherwise prints why on stderr.
 bool Readable(const std::string& path)
 {
-    FILE* file = fopen(path.c_str(), "r");
-    int error = errno;
-    if (file != nullptr) {
-        fgetc(file);  // a directory opens, but fails to read
-        error = ferror(file) ? errno : 0;
-        fclose(file);
+    // Only a regular file: opening a FIFO would wait for a writer, and a
+    // device would be read without end.
+    struct stat info {};
+    const char* reason = stat(path.c_str(), &info) != 0 ? strerror(errno)
+                         : !S_ISREG(info.st_mode)        ? "not a regular file"
+                                                         : nullptr;
+    FILE* file = reason == nullptr ? fopen(path.c_str(), "r") : nullptr;
+    if (reason == nullptr && file == nullptr) {
+        reason = strerror(errno);
     }
-    if (file == nullptr || error != 0) {
-        fprintf(stderr, "zo_conf_check: cannot read %s: %s\n", path.c_str(), strerror(error));
+    if (reason != nullptr) {
+        fprintf(stderr, "zo_conf_check: cannot read %s: %s\n", path.c_str(), reason);
         return false;
     }
+    fclose(file);
     return true;
 }
 

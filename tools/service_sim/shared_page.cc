@@ -29,27 +29,6 @@ void OnBusError(int, siginfo_t* info, void*)
     signal(SIGBUS, SIG_DFL);  // the faulting access runs again and ends the process
 }
 
-// What a file is when it is not a regular file, for a message; null for one.
-const char* NotRegular(mode_t mode)
-{
-    if (S_ISREG(mode)) {
-        return nullptr;
-    }
-    if (S_ISLNK(mode)) {
-        return "a symbolic link";
-    }
-    if (S_ISDIR(mode)) {
-        return "a directory";
-    }
-    if (S_ISFIFO(mode)) {
-        return "a FIFO";
-    }
-    if (S_ISSOCK(mode)) {
-        return "a socket";
-    }
-    return S_ISCHR(mode) || S_ISBLK(mode) ? "a device" : "no regular file";
-}
-
 std::string Refused(const std::string& path, const char* kind)
 {
     return path + " is " + kind + ", not a regular file: refused";
@@ -72,12 +51,12 @@ bool SharedPage::Open(const std::string& path, std::string& error)
     struct stat st {};
     if (fd < 0) {
         const int openErrno = errno;
-        const char* kind = ::lstat(path.c_str(), &st) == 0 ? NotRegular(st.st_mode) : nullptr;
+        const char* kind = ::lstat(path.c_str(), &st) == 0 ? ShmNotRegular(st.st_mode) : nullptr;
         error = kind != nullptr ? Refused(path, kind) : "can't open " + path + ": " + std::strerror(openErrno);
         return false;
     }
-    if (::fstat(fd, &st) != 0 || NotRegular(st.st_mode) != nullptr) {
-        error = NotRegular(st.st_mode) != nullptr ? Refused(path, NotRegular(st.st_mode))
+    if (::fstat(fd, &st) != 0 || ShmNotRegular(st.st_mode) != nullptr) {
+        error = ShmNotRegular(st.st_mode) != nullptr ? Refused(path, ShmNotRegular(st.st_mode))
                                                   : "can't stat " + path + ": " + std::strerror(errno);
         ::close(fd);
         return false;

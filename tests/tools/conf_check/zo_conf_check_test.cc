@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <gtest/gtest.h>
 
 #include "child_program.h"
@@ -146,6 +147,10 @@ TEST(ZoConfCheck, QuietAndUnreadable)
     EXPECT_EQ("zo_conf_check: cannot read " + dir.File("none/mods.conf") + ": No such file or directory\n" +
                   "zo_conf_check: cannot read " + dir.File("none/cmds.conf") + ": No such file or directory\n",
               Slurp(dir.File("err")));
+    unlink(dir.File("mods.conf").c_str());
+    mkfifo(dir.File("mods.conf").c_str(), 0600);  // opening it would wait for a writer for ever
+    EXPECT_EQ(2, Check(dir, {dir.Path()}));
+    EXPECT_EQ("zo_conf_check: cannot read " + dir.File("mods.conf") + ": not a regular file\n", Slurp(dir.File("err")));
     EXPECT_EQ(2, Check(dir, {}));
     EXPECT_EQ(2, Check(dir, {dir.Path(), "--loud"}));
     EXPECT_EQ("usage: zo_conf_check DIR [--quiet]\n", Slurp(dir.File("err")));
