@@ -22,21 +22,15 @@ bool IsSpace(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-// Trims the length characters of text in place and terminates the result;
-// returns its length.
-size_t TrimInPlace(char* text, size_t length)
+// Narrows [begin, end) of text to leave out leading and trailing blanks.
+void TrimBounds(const char* text, size_t& begin, size_t& end)
 {
-    size_t begin = 0;
-    while (begin < length && IsSpace(text[begin])) {
+    while (begin < end && IsSpace(text[begin])) {
         ++begin;
     }
-    while (length > begin && IsSpace(text[length - 1])) {
-        --length;
+    while (end > begin && IsSpace(text[end - 1])) {
+        --end;
     }
-    length -= begin;
-    std::memmove(text, text + begin, length);
-    text[length] = '\0';
-    return length;
 }
 
 }  // namespace
@@ -46,7 +40,11 @@ int ZoFileParse::RemoveSpace(char* text)
     if (text == nullptr || text[0] == '\0') {
         return -1;
     }
-    TrimInPlace(text, std::strlen(text));
+    size_t begin = 0;
+    size_t end = std::strlen(text);
+    TrimBounds(text, begin, end);
+    std::memmove(text, text + begin, end - begin);
+    text[end - begin] = '\0';
     return 0;
 }
 
@@ -58,14 +56,9 @@ size_t ZoFileParse::CopyTrimmed(const char* text, size_t length, char (&buf)[kRo
     }
     // A NUL byte ends the part, as it would end the text for RemoveSpace.
     // Trimmed where it stands, so that only the kept bytes are copied.
-    size_t end = strnlen(text, length);
     size_t begin = 0;
-    while (begin < end && IsSpace(text[begin])) {
-        ++begin;
-    }
-    while (end > begin && IsSpace(text[end - 1])) {
-        --end;
-    }
+    size_t end = strnlen(text, length);
+    TrimBounds(text, begin, end);
     if (memcpy_s(buf, sizeof buf, text + begin, end - begin) != 0) {
         buf[0] = '\0';
         return kRefused;

@@ -1,7 +1,6 @@
 // What the console harnesses share: a quiet process and the test console
 // (tests/support/console_peer.h) standing in module "M", whose one command
-// "run" has the keys an input gives. Its directory is in /dev/shm when there
-// is one, so writing the catalogue costs no disk I/O.
+// "run" has the keys an input gives.
 //
 // Loading a catalogue is deterministic, so each set of keys is written and
 // loaded once and the catalogue kept: a later input with the same keys (most
@@ -10,16 +9,12 @@
 #ifndef ZO_FUZZ_CONSOLE_FUZZ_SUPPORT_H
 #define ZO_FUZZ_CONSOLE_FUZZ_SUPPORT_H
 
-#include <cstdlib>
 #include <map>
 #include <memory>
 #include <string>
 
-#include <unistd.h>
-
 #include "console_peer.h"
-#include "fuzz_quiet.h"
-#include "kept_file.h"
+#include "fuzz_support.h"
 
 namespace fuzz_console {
 
@@ -41,8 +36,7 @@ inline std::string OneRow(std::string text)
 // included, has been sent nowhere; its directory is removed at exit.
 inline TestConsole& Console()
 {
-    static const int quiet = (QuietStdout(), ZoLog::SetSink([](const ZoLogRecord&) {}),
-                              access("/dev/shm", W_OK) == 0 ? setenv("TMPDIR", "/dev/shm", 1) : 0);
+    static const int quiet = (QuietProcess(), ZoLog::SetSink([](const ZoLogRecord&) {}), 0);
     static TestConsole console;
     return (void)quiet, console;
 }

@@ -16,7 +16,7 @@
 #include <string>
 
 #include "console_fuzz_support.h"
-#include "fuzz_check.h"
+#include "fuzz_support.h"
 #include "zo_format_letters.h"
 
 namespace {

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,7 @@
 #include <stdio_ext.h>
 #include <unistd.h>
 
-#include "fuzz_check.h"
-#include "fuzz_quiet.h"
+#include "fuzz_support.h"
 #include "zo_stream.h"
 
 namespace {
@@ -49,18 +49,13 @@ struct Group {
 };
 std::vector<Group> g_groups;
 
-// What Gets should return next.
-struct Result {
-    enum Kind { kLine, kTab, kNull } kind;
-    std::string line;
-};
-
 // The editor as the key table describes it, without a screen.
 class Model {
 public:
     Model(const uint8_t* data, size_t size) : m_data(data), m_size(size) {}
 
-    Result Next()
+    // What Gets should return next: the line, "TAB" after a listing, or nothing.
+    std::optional<std::string> Next()
     {
         while (m_at < m_size) {
             const uint8_t byte = m_data[m_at++];
@@ -72,7 +67,7 @@ public:
                 break;
             case 9:
                 if (Complete()) {
-                    return {Result::kTab, ""};
+                    return "TAB";
                 }
                 break;
             case 10:
@@ -92,7 +87,7 @@ public:
                 break;
             }
         }
-        return {Result::kNull, ""};
+        return std::nullopt;
     }
 
     bool AtEnd() const { return m_at == m_size; }
@@ -128,7 +123,7 @@ private:
         return matches > 1;
     }
 
-    Result Enter()
+    std::optional<std::string> Enter()
     {
         if (m_history.size() >= 10000) {
             m_history.erase(m_history.begin());
@@ -139,12 +134,12 @@ private:
         if (!m_line.empty()) {
             m_history.push_back(m_line);
         }
-        if (m_line.size() >= 1024) {
-            return {Result::kNull, ""};
+        std::optional<std::string> entered;
+        if (m_line.size() < 1024) {
+            entered = std::move(m_line);
+            m_line.clear();
+            m_pos = kEnd;
         }
-        Result entered = {Result::kLine, m_line};
-        m_line.clear();
-        m_pos = kEnd;
         return entered;
     }
 
@@ -162,7 +157,7 @@ private:
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
-    QuietStdout();
+    QuietProcess();
     g_groups = {{" all mods ", kModWords, sizeof kModWords / sizeof *kModWords},
                 {"video cmds", kVideoCmds, sizeof kVideoCmds / sizeof *kVideoCmds},
                 {"empty cmds", kNoCmds, 0}};
@@ -201,11 +196,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     Model model(data, size);
     for (;;) {
         const char* got = stream.Gets();
-        const Result expected = model.Next();
+        const std::optional<std::string> want = model.Next();
         // Bytes after a NUL are not copied into the returned line.
-        const char* want = expected.kind == Result::kLine ? expected.line.c_str()
-                           : expected.kind == Result::kTab ? "TAB" : nullptr;
-        FUZZ_CHECK(want == nullptr ? got == nullptr : got != nullptr && std::strcmp(got, want) == 0);
+        FUZZ_CHECK(want ? got != nullptr && std::strcmp(got, want->c_str()) == 0 : got == nullptr);
         if (got == nullptr && model.AtEnd()) {
             FUZZ_CHECK(std::getchar() == EOF);
             return 0;

@@ -10,8 +10,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -103,12 +101,7 @@ public:
         m_out.erase(0, eol + 1);
         return line;
     }
-    std::string Errors() const
-    {
-        std::stringstream text;
-        text << std::ifstream(dir.File("sim.err")).rdbuf();
-        return text.str();
-    }
+    std::string Errors() const { return ReadFile(dir.File("sim.err")); }
 
     // The console's side of the page: posts a request as the console does,
     // with size in u32Size, and takes the reply once bit 1 is set.

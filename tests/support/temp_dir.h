@@ -7,8 +7,17 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+
+// The whole of a file's bytes; empty when it cannot be read.
+inline std::string ReadFile(const std::string& path)
+{
+    std::stringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
 
 class TempDir {
 public:

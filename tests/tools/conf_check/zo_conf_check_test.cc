@@ -1,5 +1,4 @@
 // zo_conf_check run as a program: each catalogue and the diagnostics it gets.
-#include <fstream>
 #include <sstream>
 
 #include <fcntl.h>
@@ -11,13 +10,6 @@
 
 namespace
 {
-
-std::string Slurp(const std::string& path)
-{
-    std::stringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
 
 // Runs the checker with args; its exit status (-1 when it did not exit), and out and err in dir.
 int Check(const TempDir& dir, std::vector<std::string> args)
@@ -56,7 +48,7 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
         std::vector<std::string> report;
     } cases[] = {
         {kMod, kCmd, {"0 errors, 0 warnings"}},
-        {Slurp(ZO_EXAMPLES_DIR "/mods.conf"), Slurp(ZO_EXAMPLES_DIR "/cmds.conf"),
+        {ReadFile(ZO_EXAMPLES_DIR "/mods.conf"), ReadFile(ZO_EXAMPLES_DIR "/cmds.conf"),
          {"cmds.conf:37: warning: \"para format\" 'dS': the letter S is not supported", "0 errors, 1 warning"}},
         // Rows the reader passes over or cuts.
         {"instruction = 0x5\n" + kMod + "# keys end here\ndescription = d\n",
@@ -124,7 +116,7 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
         dir.Write("mods.conf", c.mods);
         dir.Write("cmds.conf", c.cmds);
         const int status = Check(dir, {dir.Path()});
-        std::istringstream lines(Slurp(dir.File("out")));
+        std::istringstream lines(ReadFile(dir.File("out")));
         std::string line;
         for (const std::string& expected : c.report) {
             std::getline(lines, line);
@@ -142,16 +134,16 @@ TEST(ZoConfCheck, QuietAndUnreadable)
     dir.Write("mods.conf", "");
     dir.Write("cmds.conf", kCmd);
     EXPECT_EQ(1, Check(dir, {"--quiet", dir.Path() + "/"}));
-    EXPECT_EQ("2 errors, 0 warnings\n", Slurp(dir.File("out")));  // the empty file, and a command without module
+    EXPECT_EQ("2 errors, 0 warnings\n", ReadFile(dir.File("out")));  // the empty file, and a command without module
     EXPECT_EQ(2, Check(dir, {dir.File("none")}));
     EXPECT_EQ("zo_conf_check: cannot read " + dir.File("none/mods.conf") + ": No such file or directory\n" +
                   "zo_conf_check: cannot read " + dir.File("none/cmds.conf") + ": No such file or directory\n",
-              Slurp(dir.File("err")));
+              ReadFile(dir.File("err")));
     unlink(dir.File("mods.conf").c_str());
     mkfifo(dir.File("mods.conf").c_str(), 0600);  // opening it would wait for a writer for ever
     EXPECT_EQ(2, Check(dir, {dir.Path()}));
-    EXPECT_EQ("zo_conf_check: cannot read " + dir.File("mods.conf") + ": not a regular file\n", Slurp(dir.File("err")));
+    EXPECT_EQ("zo_conf_check: cannot read " + dir.File("mods.conf") + ": not a regular file\n", ReadFile(dir.File("err")));
     EXPECT_EQ(2, Check(dir, {}));
     EXPECT_EQ(2, Check(dir, {dir.Path(), "--loud"}));
-    EXPECT_EQ("usage: zo_conf_check DIR [--quiet]\n", Slurp(dir.File("err")));
+    EXPECT_EQ("usage: zo_conf_check DIR [--quiet]\n", ReadFile(dir.File("err")));
 }

@@ -161,9 +161,7 @@ TEST(ServiceSim, PagesThatCannotBeUsedEndItWithOne)
         EXPECT_NE(sim.Errors().find(c.message), std::string::npos) << sim.Errors();
         remove(page.c_str());
     }
-    std::string kept;
-    std::ifstream(target) >> kept;
-    EXPECT_EQ("kept", kept);
+    EXPECT_EQ("kept", ReadFile(target));
     EXPECT_NE(0, access(sim.dir.File("none").c_str(), F_OK)) << "no file made through a dangling link";
 
     // The swap file cut to nothing under the mapping, while polling and while waiting to answer.
