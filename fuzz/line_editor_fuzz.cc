@@ -63,7 +63,9 @@ public:
             case 27: case '[': case 'C': case 'D':
                 break;
             case 8:
-                m_line = m_line.substr(0, m_line.empty() ? 0 : m_line.size() - 1);
+                if (!m_line.empty()) {
+                    m_line.pop_back();
+                }
                 break;
             case 9:
                 if (Complete()) {
@@ -136,7 +138,7 @@ private:
         }
         std::optional<std::string> entered;
         if (m_line.size() < 1024) {
-            entered = std::move(m_line);
+            entered = m_line;  // a copy: the line keeps its room for the next one
             m_line.clear();
             m_pos = kEnd;
         }
