@@ -127,7 +127,7 @@ private:
 
     std::optional<std::string> Enter()
     {
-        if (m_history.size() >= 10000) {
+        if (m_history.size() >= ZoStream::kMaxHistory) {
             m_history.erase(m_history.begin());
             if (m_pos != kEnd && m_pos != 0) {
                 --m_pos;
@@ -137,7 +137,7 @@ private:
             m_history.push_back(m_line);
         }
         std::optional<std::string> entered;
-        if (m_line.size() < 1024) {
+        if (m_line.size() < ZoStream::kLineBufferSize) {
             entered = m_line;  // a copy: the line keeps its room for the next one
             m_line.clear();
             m_pos = kEnd;

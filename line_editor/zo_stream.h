@@ -15,6 +15,7 @@
 
 #include <termios.h>
 
+#include <cstddef>
 #include <list>
 #include <string>
 #include <vector>
@@ -23,6 +24,11 @@
 
 class ZoStream {
 public:
+    // The line buffer: the longest line Gets returns is one byte shorter, as the buffer holds the terminator.
+    static constexpr size_t kLineBufferSize = 1024;
+    // At most this many lines are remembered; the oldest goes first.
+    static constexpr size_t kMaxHistory = 10000;
+
     ZoStream();
     // Restores the terminal like ResetTermios, then frees the registry and the history.
     ~ZoStream();

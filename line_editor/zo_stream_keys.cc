@@ -10,13 +10,8 @@
 
 namespace {
 
-// The longest line Gets can return is one byte less: the buffer holds the terminator.
-constexpr size_t kLineBufferSize = 1024;
-// At most this many lines are remembered; the oldest goes first.
-constexpr size_t kMaxHistory = 10000;
-
 // The last entered line, shared by every editor.
-char s_achLine[kLineBufferSize];
+char s_achLine[ZoStream::kLineBufferSize];
 // Returned after a completion listing; callers recognise it by its text.
 char s_achTab[] = "TAB";
 
