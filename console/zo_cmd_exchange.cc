@@ -101,14 +101,13 @@ int ZoCmdDebug::CopyCmdToBuf(const char* cmd, android::Parcel& request)
 
 namespace {
 
-uintptr_t g_guardedPage;
+const void* g_guardedPage;
 std::string g_truncatedMessage;
 
 void OnBusError(int signo, siginfo_t* info, void* /*context*/)
 {
     ZoStream::RestoreFoundTermios();
-    const uintptr_t at = reinterpret_cast<uintptr_t>(info->si_addr);
-    if (info->si_code > 0 && at - g_guardedPage < SHM_SIZE) {  // a fault by the kernel, on the page
+    if (ShmFaultOnPage(info, g_guardedPage)) {
         (void)!write(STDOUT_FILENO, g_truncatedMessage.data(), g_truncatedMessage.size());
         _exit(1);
     }
@@ -120,7 +119,7 @@ void OnBusError(int signo, siginfo_t* info, void* /*context*/)
 
 void ZoCmdDebug::GuardPageAgainstTruncation(void* page)
 {
-    g_guardedPage = reinterpret_cast<uintptr_t>(page);
+    g_guardedPage = page;
     g_truncatedMessage = "swap file " + g_strSwapFile + " was truncated while mapped: the shared page is lost\n";
     struct sigaction action = {};
     action.sa_sigaction = OnBusError;

@@ -22,6 +22,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include <signal.h>
 #include <sys/stat.h>
 
 constexpr size_t SHM_SIZE = 4096;
@@ -112,6 +113,15 @@ inline const char* ShmNotRegular(mode_t mode)
         return "a block device";
     }
     return S_ISSOCK(mode) ? "a socket" : "a special file";
+}
+
+// For a SIGBUS handler: true when the kernel raised it (it was not sent) for an
+// access inside the page at page, which happens once the file under the
+// mapping is cut shorter than the page. Async-signal-safe.
+inline bool ShmFaultOnPage(const siginfo_t* info, const void* page)
+{
+    const uintptr_t at = reinterpret_cast<uintptr_t>(info->si_addr);
+    return info->si_code > 0 && page != nullptr && at - reinterpret_cast<uintptr_t>(page) < SHM_SIZE;
 }
 
 #endif  // ZO_CONSOLE_ZO_SHM_PAGE_H

@@ -22,8 +22,7 @@ sigjmp_buf* volatile g_guard = nullptr;
 // without this handler.
 void OnBusError(int, siginfo_t* info, void*)
 {
-    const char* address = static_cast<const char*>(info->si_addr);
-    if (info->si_code > 0 && g_guard != nullptr && address >= g_pageBegin && address < g_pageBegin + SHM_SIZE) {
+    if (g_guard != nullptr && ShmFaultOnPage(info, g_pageBegin)) {
         siglongjmp(*g_guard, 1);
     }
     signal(SIGBUS, SIG_DFL);  // the faulting access runs again and ends the process
