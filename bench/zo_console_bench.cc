@@ -33,6 +33,7 @@
 #include "console_peer.h"
 #include "zo_printer.h"
 #include "zo_shm_page.h"
+#include "zo_shm_service.h"
 
 namespace {
 
@@ -88,46 +89,42 @@ void* MapPage(const std::string& path)
     return page;
 }
 
-// The reply of a dsF command: status 0, then 42, "sim", 2.25.
-void WriteReply(android::Parcel& reply)
+// The values of a dsF reply: 42, "sim", 2.25.
+int32_t WriteValues(const android::Parcel&, android::Parcel& values)
 {
-    reply.writeInt32(0);
-    reply.writeInt32(42);
-    reply.writeString16(android::String16("sim"));
-    reply.writeDouble(2.25);
+    values.writeInt32(42);
+    values.writeString16(android::String16("sim"));
+    values.writeDouble(2.25);
+    return 0;
 }
 
-// The service: answers every pending request at once, looking every 1 ms
-// (well inside the console's 100 ms sleep) on its own mapping of the file.
+// The service: the service library on its own mapping of the file, in a
+// thread, answering cmd0 (code 1) with 42, "sim", 2.25 and looking every
+// 1 ms, well inside the console's 100 ms sleep.
 class Responder {
 public:
-    explicit Responder(const std::string& path) : m_page(MapPage(path)), m_thread([this] { Run(); }) {}
+    explicit Responder(const std::string& path)
+    {
+        m_service.Open(path, nullptr);
+        m_service.Register(1, WriteValues);
+        m_thread = std::thread([this] {
+            while (!m_stop) {
+                if (m_service.WaitForRequest(10, 1)) {
+                    m_service.ServeOne();
+                }
+            }
+        });
+    }
     ~Responder()
     {
         m_stop = true;
         m_thread.join();
-        if (m_page != MAP_FAILED) {
-            munmap(m_page, SHM_SIZE);
-        }
     }
     Responder(const Responder&) = delete;
     Responder& operator=(const Responder&) = delete;
 
 private:
-    void Run()
-    {
-        android::Parcel reply;
-        WriteReply(reply);
-        const struct timespec step = {0, 1000000};
-        while (!m_stop && m_page != MAP_FAILED) {
-            if (ShmRequestPending(ShmLoadFlag(m_page))) {
-                ShmPostReply(m_page, reply.data(), reply.dataSize(), static_cast<uint32_t>(reply.dataSize()));
-            }
-            nanosleep(&step, nullptr);
-        }
-    }
-
-    void* m_page;
+    ZoShmService m_service;
     std::atomic<bool> m_stop{false};
     std::thread m_thread;
 };
@@ -190,7 +187,8 @@ BENCHMARK(BM_EncodeRequest)->Unit(benchmark::kMicrosecond);
 void BM_PrintReply(benchmark::State& state)
 {
     android::Parcel source;
-    WriteReply(source);
+    source.writeInt32(0);
+    WriteValues(source, source);
     Array<std::string> tags;
     for (const char* tag : {"number", "name", "value"}) {
         tags.PushBack(tag);

@@ -1,12 +1,12 @@
-# Fails when the sources Android.bp lists for zo_cmd_debug differ from the ones
+# Fails when the sources Android.bp lists for MODULE differ from the ones
 # CMake builds into it (CMAKE_SOURCES, written by cmake/device_build.cmake).
-# Usage: cmake -DANDROID_BP=FILE -DCMAKE_SOURCES=FILE -P check_android_bp_sources.cmake
+# Usage: cmake -DANDROID_BP=FILE -DMODULE=NAME -DCMAKE_SOURCES=FILE -P check_android_bp_sources.cmake
 include(${CMAKE_CURRENT_LIST_DIR}/android_bp.cmake)
 
-zo_bp_list(${ANDROID_BP} srcs bp_sources)
+zo_bp_list(${ANDROID_BP} ${MODULE} srcs bp_sources)
 file(STRINGS ${CMAKE_SOURCES} cmake_sources)
 if(NOT cmake_sources)
-  message(FATAL_ERROR "CMake builds no source into zo_cmd_debug: ${CMAKE_SOURCES} is empty")
+  message(FATAL_ERROR "CMake builds no source into ${MODULE}: ${CMAKE_SOURCES} is empty")
 endif()
 
 set(only_bp ${bp_sources})
@@ -23,9 +23,9 @@ list(LENGTH bp_sources listed)
 if(only_bp OR only_cmake OR NOT distinct EQUAL listed)
   list(JOIN only_bp ", " only_bp)
   list(JOIN only_cmake ", " only_cmake)
-  message(FATAL_ERROR "Android.bp and CMake build different sources into zo_cmd_debug:\n"
+  message(FATAL_ERROR "Android.bp and CMake build different sources into ${MODULE}:\n"
     "  only in Android.bp: ${only_bp}\n  only in CMake: ${only_cmake}\n"
     "  listed in Android.bp: ${listed}, of them distinct: ${distinct}")
 endif()
 list(LENGTH cmake_sources count)
-message(STATUS "Android.bp lists the ${count} sources CMake builds into zo_cmd_debug")
+message(STATUS "Android.bp lists the ${count} sources CMake builds into ${MODULE}")

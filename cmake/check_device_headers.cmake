@@ -1,5 +1,6 @@
 # Compiles (syntax only) every source that Android.bp builds for the device
-# against the platform's real headers, with Android.bp's include folders,
+# (the console and the service library) against the platform's real headers,
+# with each module's include folders,
 # language standard and warning flags: binder/Parcel.h from Debian's
 # android-platform-frameworks-native-headers, utils/ from android-libutils-dev.
 # libbinder is not packaged, so nothing is linked.
@@ -32,30 +33,34 @@ file(REMOVE_RECURSE ${WORK_DIR})
 file(COPY ${root}/platform/include/zo_tv_support.h DESTINATION ${WORK_DIR}/support)
 
 set(bp ${root}/Android.bp)
-zo_bp_list(${bp} srcs sources)
-zo_bp_list(${bp} local_include_dirs include_dirs)
-zo_bp_list(${bp} cflags cflags)
-zo_bp_string(${bp} cpp_std std)
-if(NOT sources OR NOT std)
-  message(FATAL_ERROR "${bp} names no srcs or no cpp_std")
-endif()
-
-set(flags -std=${std} ${cflags} -fsyntax-only -include memory -include limits -DZO_TV_SUPPORT_DEVICE_API)
-foreach(dir IN LISTS include_dirs)
-  list(APPEND flags -I${root}/${dir})
-endforeach()
-list(APPEND flags -I${platform_headers} -I${WORK_DIR}/support)
-
 set(failed "")
-foreach(src IN LISTS sources)
-  execute_process(COMMAND ${CXX} ${flags} ${root}/${src}
-    RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  if(NOT status EQUAL 0)
-    message("${output}")
-    list(APPEND failed ${src})
+set(count 0)
+foreach(module zo_cmd_debug libzoshmservice)
+  zo_bp_list(${bp} ${module} srcs sources)
+  zo_bp_list(${bp} ${module} local_include_dirs include_dirs)
+  zo_bp_list(${bp} ${module} export_include_dirs exported_dirs)
+  zo_bp_list(${bp} ${module} cflags cflags)
+  zo_bp_string(${bp} ${module} cpp_std std)
+  if(NOT sources OR NOT std)
+    message(FATAL_ERROR "${bp} names no srcs or no cpp_std for ${module}")
   endif()
+
+  set(flags -std=${std} ${cflags} -fsyntax-only -include memory -include limits -DZO_TV_SUPPORT_DEVICE_API)
+  foreach(dir IN LISTS include_dirs exported_dirs)
+    list(APPEND flags -I${root}/${dir})
+  endforeach()
+  list(APPEND flags -I${platform_headers} -I${WORK_DIR}/support)
+
+  foreach(src IN LISTS sources)
+    execute_process(COMMAND ${CXX} ${flags} ${root}/${src}
+      RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    if(NOT status EQUAL 0)
+      message("${output}")
+      list(APPEND failed ${src})
+    endif()
+    math(EXPR count "${count} + 1")
+  endforeach()
 endforeach()
-list(LENGTH sources count)
 if(failed)
   list(JOIN failed ", " failed)
   message(FATAL_ERROR "device headers: these sources do not compile against the platform's headers: ${failed}")

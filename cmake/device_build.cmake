@@ -1,10 +1,12 @@
 # What the device build (Android.bp) must agree with.
 #
-# Writes device/zo_cmd_debug_sources.txt in the build folder: every source
-# CMake compiles into the program zo_cmd_debug, found by walking its link
-# libraries, less the targets of platform/ (the device links its own libraries
-# instead). With the tests on, CTest checks that Android.bp lists exactly
-# these sources and that bpfmt leaves Android.bp as it is.
+# For each module of Android.bp and the CMake target it is built from (the
+# program zo_cmd_debug, the service library libzoshmservice from
+# zo_shm_service), writes device/MODULE_sources.txt in the build folder: every
+# source CMake compiles into the target, found by walking its link libraries,
+# less the targets of platform/ (the device links its own libraries instead).
+# With the tests on, CTest checks that Android.bp lists exactly these sources
+# and that bpfmt leaves Android.bp as it is.
 
 function(zo_collect_sources target out_var)
   set(seen ${ARGN})
@@ -41,17 +43,25 @@ function(zo_collect_sources target out_var)
   set(${out_var} ${sources} PARENT_SCOPE)
 endfunction()
 
-zo_collect_sources(zo_cmd_debug zo_cmd_debug_sources)
-list(REMOVE_DUPLICATES zo_cmd_debug_sources)
-list(SORT zo_cmd_debug_sources)
-list(JOIN zo_cmd_debug_sources "\n" zo_sources_text)
-set(ZO_DEVICE_SOURCES_FILE ${CMAKE_BINARY_DIR}/device/zo_cmd_debug_sources.txt)
-file(GENERATE OUTPUT ${ZO_DEVICE_SOURCES_FILE} CONTENT "${zo_sources_text}\n")
+set(ZO_DEVICE_MODULES zo_cmd_debug:zo_cmd_debug libzoshmservice:zo_shm_service)
+foreach(pair IN LISTS ZO_DEVICE_MODULES)
+  string(REPLACE ":" ";" pair ${pair})
+  list(GET pair 0 module)
+  list(GET pair 1 target)
+  zo_collect_sources(${target} sources)
+  list(REMOVE_DUPLICATES sources)
+  list(SORT sources)
+  list(JOIN sources "\n" sources_text)
+  set(sources_file ${CMAKE_BINARY_DIR}/device/${module}_sources.txt)
+  file(GENERATE OUTPUT ${sources_file} CONTENT "${sources_text}\n")
+  if(ZO_BUILD_TESTS AND NOT CMAKE_CROSSCOMPILING)
+    add_test(NAME android_bp_sources_${module}
+      COMMAND ${CMAKE_COMMAND} -DANDROID_BP=${CMAKE_SOURCE_DIR}/Android.bp -DMODULE=${module}
+        -DCMAKE_SOURCES=${sources_file} -P ${CMAKE_SOURCE_DIR}/cmake/check_android_bp_sources.cmake)
+  endif()
+endforeach()
 
 if(ZO_BUILD_TESTS AND NOT CMAKE_CROSSCOMPILING)
-  add_test(NAME android_bp_sources
-    COMMAND ${CMAKE_COMMAND} -DANDROID_BP=${CMAKE_SOURCE_DIR}/Android.bp
-      -DCMAKE_SOURCES=${ZO_DEVICE_SOURCES_FILE} -P ${CMAKE_SOURCE_DIR}/cmake/check_android_bp_sources.cmake)
   find_program(ZO_BPFMT bpfmt)
   if(NOT ZO_BPFMT)
     set(ZO_BPFMT bpfmt)  # the test then fails, naming the missing tool

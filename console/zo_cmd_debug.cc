@@ -5,7 +5,9 @@
 
 #include <cstdlib>
 
-std::string g_strSwapFile = "/atv/dbg/.tv";
+#include "zo_shm_page.h"
+
+std::string g_strSwapFile = ShmSwapFilePath(kShmDeviceDir);
 ZoMutex g_mutex;
 void* g_pShareMem = MAP_FAILED;
 volatile SIGNAL_STATE_E g_enSignalState = SIGNAL_STATE_IDLE;

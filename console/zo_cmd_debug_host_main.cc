@@ -4,6 +4,7 @@
 #include <string>
 
 #include "zo_cmd_debug.h"
+#include "zo_shm_page.h"
 
 int main(int argc, char** argv)
 {
@@ -13,6 +14,6 @@ int main(int argc, char** argv)
         return 2;
     }
     const std::string dir = argv[1];
-    g_strSwapFile = dir + "/.tv";
+    g_strSwapFile = ShmSwapFilePath(dir);
     return ZoCmdDebugMain(dir);
 }

@@ -1,5 +1,6 @@
 // The exchange of one command with the middleware service over the shared
-// page (layout and handshake in zo_shm_page.h), and the printing of its reply.
+// page (layout and handshake in zo_shm_page.h, the console's half of it in
+// zo_shm_console.h), and the printing of its reply.
 //
 // The console posts the request and then polls the page every 100 ms until the
 // service raises the reply flag. There is no time-out: a service that never
@@ -14,49 +15,8 @@
 
 #include "zo_cmd_debug.h"
 #include "zo_printer.h"
+#include "zo_shm_console.h"
 #include "zo_shm_page.h"
-
-namespace {
-
-// Copies the request into the payload, then publishes its size and the
-// request flag. -1, with the header untouched, when the request does not fit
-// the payload; the service then sees nothing.
-int PostRequest(void* page, const android::Parcel& request)
-{
-    const uint8_t* data = request.data();
-    if (data == nullptr) {
-        puts("requestData is the null");
-        return -1;
-    }
-    const size_t size = request.dataSize();
-    if (memcpy_s(ShmPayloadOf(page), SHM_DATA_SIZE, data, size) != 0) {
-        return -1;
-    }
-    ShmStoreSize(page, static_cast<uint32_t>(size));
-    // Bit 0 only: this also clears a reply flag left by the last exchange.
-    ShmStoreFlag(page, SHM_FLAG_REQUEST);
-    return 0;
-}
-
-// Sleeps 100 ms, looks at the flag, and repeats until the reply flag is set;
-// then copies the reply out of the page. -1 when the size the service wrote
-// would reach past the page.
-int AwaitReply(void* page, android::Parcel& reply)
-{
-    const struct timespec step = {0, 100000000};
-    do {
-        nanosleep(&step, nullptr);
-    } while ((ShmLoadFlag(page) & SHM_FLAG_REPLY) == 0);
-
-    // Read once: the service may still be writing, and only this value was checked.
-    const uint32_t size = ShmLoadSize(page);
-    if (size > SHM_DATA_SIZE) {
-        return -1;
-    }
-    return reply.setData(ShmPayloadOf(page), size) == android::NO_ERROR ? 0 : -1;
-}
-
-}  // namespace
 
 int ZoCmdDebug::CopyCmdToBuf(const char* cmd, android::Parcel& request)
 {
@@ -73,7 +33,7 @@ int ZoCmdDebug::CopyCmdToBuf(const char* cmd, android::Parcel& request)
     }
 
     android::Parcel reply;
-    if (PostRequest(g_pShareMem, request) != 0 || AwaitReply(g_pShareMem, reply) != 0) {
+    if (ShmPostRequest(g_pShareMem, request) != 0 || ShmAwaitReply(g_pShareMem, reply) != 0) {
         return -1;
     }
 
@@ -92,23 +52,27 @@ int ZoCmdDebug::CopyCmdToBuf(const char* cmd, android::Parcel& request)
     return 0;
 }
 
-// --- A swap file truncated under the mapped page ------------------------------
+// --- A page lost under the mapping -------------------------------------------
 //
-// Once the file is shorter than the page, touching the page raises SIGBUS,
-// which would kill the console with the terminal raw. The handler ends the
-// process itself instead, with async-signal-safe calls only; the message is
-// composed beforehand for that reason.
+// Once the file is shorter than the page, or the file system has no block for
+// a sparse page, touching the page raises SIGBUS, which would kill the
+// console with the terminal raw. The handler ends the process itself instead,
+// with async-signal-safe calls only; the two messages are composed beforehand
+// for that reason.
 
 namespace {
 
 const void* g_guardedPage;
+std::string g_swapPath;
 std::string g_truncatedMessage;
+std::string g_unbackedMessage;
 
 void OnBusError(int signo, siginfo_t* info, void* /*context*/)
 {
     ZoStream::RestoreFoundTermios();
     if (ShmFaultOnPage(info, g_guardedPage)) {
-        (void)!write(STDOUT_FILENO, g_truncatedMessage.data(), g_truncatedMessage.size());
+        const std::string& message = ShmFileCutShort(g_swapPath.c_str()) ? g_truncatedMessage : g_unbackedMessage;
+        (void)!write(STDOUT_FILENO, message.data(), message.size());
         _exit(1);
     }
     signal(signo, SIG_DFL);
@@ -120,7 +84,9 @@ void OnBusError(int signo, siginfo_t* info, void* /*context*/)
 void ZoCmdDebug::GuardPageAgainstTruncation(void* page)
 {
     g_guardedPage = page;
-    g_truncatedMessage = "swap file " + g_strSwapFile + " was truncated while mapped: the shared page is lost\n";
+    g_swapPath = g_strSwapFile;
+    g_truncatedMessage = ShmLostMessage(g_strSwapFile, true) + "\n";
+    g_unbackedMessage = ShmLostMessage(g_strSwapFile, false) + "\n";
     struct sigaction action = {};
     action.sa_sigaction = OnBusError;
     action.sa_flags = SA_SIGINFO;

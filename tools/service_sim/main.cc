@@ -11,9 +11,10 @@
 #include "command_index.h"
 #include "replies_file.h"
 #include "service_sim.h"
-#include "shared_page.h"
+#include "page_guard.h"
 #include "sim_options.h"
 #include "zo_file_parse.h"
+#include "zo_shm_service.h"
 
 namespace {
 
@@ -90,22 +91,23 @@ int main(int argc, char* argv[])
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 
-    const std::string pagePath = opts.dir + "/.tv";
-    SharedPage page;
-    if (!page.Open(pagePath, error)) {
+    const std::string pagePath = ShmSwapFilePath(opts.dir);
+    ZoShmService service;
+    if (service.Open(pagePath, &error) != 0) {
         std::fprintf(stderr, "zo_service_sim: %s\n", error.c_str());
         return 1;
     }
     std::fprintf(stderr, "zo_service_sim: answering %zu commands on %s\n", index.Size(), pagePath.c_str());
 
-    ServiceSim sim(opts, index, replies, page, stdout);
+    PageGuard guard(service.Page());
+    ServiceSim sim(opts, index, replies, service, guard, stdout);
     if (!sim.Serve(g_stop)) {
-        std::fprintf(stderr, "zo_service_sim: swap file %s was truncated while mapped: the shared page is lost\n",
-                     pagePath.c_str());
+        std::fprintf(stderr, "zo_service_sim: %s\n",
+                     ShmLostMessage(pagePath, ShmFileCutShort(pagePath.c_str())).c_str());
         return 1;
     }
 
-    if (!page.Close(error)) {
+    if (service.Close(&error) != 0) {
         std::fprintf(stderr, "zo_service_sim: %s\n", error.c_str());
         return 1;
     }

@@ -25,10 +25,18 @@ bool WholeWord(const std::string& text, Conv conv, T& out)
 
 bool WholeInteger(const std::string& text, long long& value)
 {
-    return WholeWord<long long>(text, [](const char* s, char** e) { return std::strtoll(s, e, 0); }, value);
+    return WholeWord<long long>(text, [](const char* s, char** e) { return std::strtoll(s, e, NumberBase(s)); }, value);
 }
 
 }  // namespace
+
+int NumberBase(const char* text)
+{
+    if (*text == '-' || *text == '+') {
+        ++text;
+    }
+    return text[0] == '0' && (text[1] == 'x' || text[1] == 'X') ? 16 : 10;
+}
 
 bool ParseInt32Word(const char* text, int32_t& value)
 {

@@ -10,10 +10,9 @@
 
 #include <binder/Parcel.h>
 
-// Status for an instruction code that no command of the catalogue has.
-constexpr int32_t kStatusUnknownCode = -1;
-// Status for a request whose bytes do not match its command's parameter format.
-constexpr int32_t kStatusBadRequest = -2;
+// The base of a number word: 16 when it starts with 0x or 0X (after an
+// optional sign), else 10. A leading zero means decimal, never octal.
+int NumberBase(const char* text);
 
 // Reads a whole word as a 32-bit number: decimal or 0x hexadecimal, signed
 // (down to -2147483648) or as an unsigned bit pattern (up to 0xffffffff).

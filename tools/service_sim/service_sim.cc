@@ -12,19 +12,19 @@ constexpr unsigned kPollMs = 2;
 }  // namespace
 
 ServiceSim::ServiceSim(const SimOptions& opts, const CommandIndex& index, const RepliesFile& replies,
-                       SharedPage& page, std::FILE* out)
-    : m_opts(opts), m_index(index), m_replies(replies), m_page(page), m_out(out)
+                       ZoShmService& service, PageGuard& guard, std::FILE* out)
+    : m_opts(opts), m_index(index), m_replies(replies), m_service(service), m_guard(guard), m_out(out)
 {
 }
 
 bool ServiceSim::Serve(const volatile sig_atomic_t& stop)
 {
-    uint32_t flag = 0;
+    bool pending = false;
     while (stop == 0) {
-        if (!m_page.LoadFlag(flag)) {
+        if (!m_guard.Run([&] { pending = m_service.Pending(); })) {
             return false;
         }
-        if (!ShmRequestPending(flag)) {
+        if (!pending) {
             SleepUnlessStopped(kPollMs, stop);
         } else if (!ServeOne(stop)) {
             return false;
@@ -35,12 +35,16 @@ bool ServiceSim::Serve(const volatile sig_atomic_t& stop)
 
 bool ServiceSim::ServeOne(const volatile sig_atomic_t& stop)
 {
-    if (!m_page.TakeRequest(m_request)) {
+    bool taken = false;
+    if (!m_guard.Run([&] { taken = m_service.TakeRequest(m_request); })) {
         return false;
     }
+    if (!taken) {
+        return true;
+    }
     DecodedRequest request;
-    if (m_request.size > SHM_DATA_SIZE) {
-        request.line = "bad request: u32Size " + std::to_string(m_request.size) + " is more than " +
+    if (m_request.u32Size > SHM_DATA_SIZE) {
+        request.line = "bad request: u32Size " + std::to_string(m_request.u32Size) + " is more than " +
                        std::to_string(SHM_DATA_SIZE);
     } else {
         request = DecodeRequest(std::vector<uint8_t>(m_request.payload, m_request.payload + m_request.length), m_index);
@@ -50,36 +54,34 @@ bool ServiceSim::ServeOne(const volatile sig_atomic_t& stop)
 
     if (m_opts.noReply) {
         // The request bit goes, so that the next request can be told apart from this one.
-        return m_page.ClearRequestBit();
+        return m_guard.Run([&] { m_service.DropRequest(); });
     }
     if (!SleepUnlessStopped(m_opts.delayMs, stop)) {
         return true;
     }
-    std::vector<uint8_t> reply = ChooseReply(request);
-    if (reply.size() > SHM_DATA_SIZE) {
-        reply = StatusReply(kStatusBadRequest);
-    }
+    const std::vector<uint8_t> reply = ChooseReply(request);
     // During the wait the console may have gone and another one posted its own request.
-    bool holds = false;
-    if (!m_page.Holds(m_request, holds)) {
+    ZoShmService::Served served = ZoShmService::Served::kNothing;
+    if (!m_guard.Run([&] {
+            served = m_service.PostReply(m_request, reply.data(), reply.size(),
+                                         m_opts.forceSize ? &m_opts.sizeValue : nullptr);
+        })) {
         return false;
     }
-    if (!holds) {
+    if (served == ZoShmService::Served::kDropped) {
         std::fprintf(stderr, "zo_service_sim: the page holds another request now: the answer to '%s' is dropped\n",
                      request.line.c_str());
-        return true;
     }
-    const uint32_t claimed = m_opts.forceSize ? m_opts.sizeValue : static_cast<uint32_t>(reply.size());
-    return m_page.PostReply(reply.data(), reply.size(), claimed);
+    return true;
 }
 
 std::vector<uint8_t> ServiceSim::ChooseReply(const DecodedRequest& request)
 {
     switch (request.kind) {
     case DecodedRequest::Kind::kUnknownCode:
-        return StatusReply(kStatusUnknownCode);
+        return StatusReply(ZoShmService::kStatusUnknownCode);
     case DecodedRequest::Kind::kBadRequest:
-        return StatusReply(kStatusBadRequest);
+        return StatusReply(ZoShmService::kStatusBadRequest);
     case DecodedRequest::Kind::kCommand:
         break;
     }

@@ -14,9 +14,11 @@
 //   replies file entry  that reply
 //   otherwise           the built-in values for the command's print format
 // --size N replaces the reply's length in u32Size with N in every answer.
-// An answer is posted only while the page still holds the request it answers:
-// after a delay the page may hold another console's request instead, and
-// then the answer is dropped with a line on standard error.
+// The page is the service library's (ZoShmService): it posts an answer only
+// while the page still holds the request it answers; after a delay the page
+// may hold another console's request instead, and then the answer is dropped
+// with a line on standard error. Every access to the page runs under the
+// simulator's PageGuard.
 //
 // Single-threaded; the stop flag is the only thing set from outside (by a
 // signal handler).
@@ -32,18 +34,18 @@
 #include "command_index.h"
 #include "replies_file.h"
 #include "request_decoder.h"
-#include "shared_page.h"
+#include "page_guard.h"
 #include "sim_options.h"
+#include "zo_shm_service.h"
 
 class ServiceSim {
 public:
     // Borrows everything; all of it must outlive the ServiceSim.
-    ServiceSim(const SimOptions& opts, const CommandIndex& index, const RepliesFile& replies, SharedPage& page,
-               std::FILE* out);
+    ServiceSim(const SimOptions& opts, const CommandIndex& index, const RepliesFile& replies, ZoShmService& service,
+               PageGuard& guard, std::FILE* out);
 
     // Polls the page every 2 ms and serves each request until stop is
-    // non-zero: then true. False as soon as the page is lost (its file was
-    // truncated).
+    // non-zero: then true. False as soon as the page is lost.
     bool Serve(const volatile sig_atomic_t& stop);
 
 private:
@@ -56,10 +58,11 @@ private:
     const SimOptions& m_opts;
     const CommandIndex& m_index;
     const RepliesFile& m_replies;
-    SharedPage& m_page;
+    ZoShmService& m_service;
+    PageGuard& m_guard;
     std::FILE* m_out;
     std::mt19937 m_garbage{0x5eedu};
-    PageRequest m_request;  // the request being served, as taken from the page
+    ZoShmRequest m_request;  // the request being served, as taken from the page
 };
 
 #endif  // ZO_TOOLS_SERVICE_SIM_SERVICE_SIM_H

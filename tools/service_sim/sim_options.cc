@@ -26,8 +26,9 @@ const char kUsage[] =
     "  --replies FILE  answer from FILE instead of the built-in values\n"
     "  --help          print this text\n"
     "--no-reply, --status and --garbage exclude each other. Numbers may be decimal\n"
-    "or 0x hexadecimal. Unknown instruction codes get status 0xffffffff, requests\n"
-    "that do not match their parameter format 0xfffffffe.\n"
+    "(a leading zero is decimal too) or 0x hexadecimal. Unknown instruction codes\n"
+    "get status 0xffffffff, requests that do not match their parameter format\n"
+    "0xfffffffe.\n"
     "\n"
     "Built-in values, one row per reply: d 42, D 9000000000, f 1.5, F 2.25, s \"sim\";\n"
     "nothing for S, which the console does not read.\n"
@@ -53,7 +54,7 @@ bool ParseUnsigned(const char* text, uint64_t max, uint64_t& value)
     }
     errno = 0;
     char* end = nullptr;
-    const unsigned long long v = std::strtoull(text, &end, 0);
+    const unsigned long long v = std::strtoull(text, &end, NumberBase(text));
     if (errno != 0 || *end != '\0' || v > max) {
         return false;
     }

@@ -15,12 +15,16 @@
 // bit 1. The flag word is the only synchronisation: it is stored with release
 // and loaded with acquire ordering, so a side that sees the new flag also sees
 // the payload and size written before it, on a weakly ordered CPU as well.
-#ifndef ZO_CONSOLE_ZO_SHM_PAGE_H
-#define ZO_CONSOLE_ZO_SHM_PAGE_H
+//
+// The console's half of the exchange is in zo_shm_console.h, the service's
+// half in zo_shm_service.h; nothing else writes an offset or a flag bit.
+#ifndef ZO_SHM_ZO_SHM_PAGE_H
+#define ZO_SHM_ZO_SHM_PAGE_H
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #include <signal.h>
 #include <sys/stat.h>
@@ -31,6 +35,16 @@ constexpr size_t SHM_DATA_SIZE = SHM_SIZE - SHM_HEAD_SIZE;
 
 constexpr uint32_t SHM_FLAG_REQUEST = 1u << 0;
 constexpr uint32_t SHM_FLAG_REPLY = 1u << 1;
+
+// On the device the console's catalogue and the swap file are in this
+// directory; the swap file is this name in it.
+constexpr char kShmDeviceDir[] = "/atv/dbg";
+constexpr char kShmSwapFileName[] = ".tv";
+
+inline std::string ShmSwapFilePath(const std::string& dir)
+{
+    return dir + "/" + kShmSwapFileName;
+}
 
 // The first 8 bytes of the page.
 struct ShmHeader {
@@ -78,18 +92,6 @@ inline bool ShmRequestPending(uint32_t flag)
     return (flag & (SHM_FLAG_REQUEST | SHM_FLAG_REPLY)) == SHM_FLAG_REQUEST;
 }
 
-// The service's answer: the reply's length bytes (at most SHM_DATA_SIZE) into
-// the payload, claimedSize into u32Size (normally length), then bit 1 set with
-// the other bits of the flag word left as they were.
-inline void ShmPostReply(void* page, const void* reply, size_t length, uint32_t claimedSize)
-{
-    if (length != 0) {
-        std::memcpy(ShmPayloadOf(page), reply, length);
-    }
-    ShmStoreSize(page, claimedSize);
-    ShmStoreFlag(page, ShmLoadFlag(page) | SHM_FLAG_REPLY);
-}
-
 // What a swap file that cannot back the page is, for a message ("a FIFO");
 // null for a regular file, the only kind that can.
 inline const char* ShmNotRegular(mode_t mode)
@@ -124,4 +126,22 @@ inline bool ShmFaultOnPage(const siginfo_t* info, const void* page)
     return info->si_code > 0 && page != nullptr && at - reinterpret_cast<uintptr_t>(page) < SHM_SIZE;
 }
 
-#endif  // ZO_CONSOLE_ZO_SHM_PAGE_H
+// A page access that faults has lost the page one of two ways: the file was
+// cut below a page (truncated), or it still has its size but the file system
+// could not give it a block (a sparse file on a full file system). The
+// message says which; ShmFileCutShort tells them apart by the file's size
+// now, and is async-signal-safe (one stat), so a handler may call it.
+inline bool ShmFileCutShort(const char* path)
+{
+    struct stat info;
+    return stat(path, &info) != 0 || info.st_size < static_cast<off_t>(SHM_SIZE);
+}
+
+inline std::string ShmLostMessage(const std::string& path, bool cutShort)
+{
+    return "swap file " + path +
+           (cutShort ? " was truncated while mapped: the shared page is lost"
+                     : " could not back the shared page (is its file system full?): the shared page is lost");
+}
+
+#endif  // ZO_SHM_ZO_SHM_PAGE_H
