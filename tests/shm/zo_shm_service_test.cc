@@ -1,0 +1,145 @@
+// The service library against the console's half of the exchange, in one
+// process, on a real mapped swap file.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <functional>
+
+#include <gtest/gtest.h>
+
+#include "hex_words.h"
+#include "temp_dir.h"
+#include "zo_shm_console.h"
+#include "zo_shm_service.h"
+
+namespace {
+
+// A volume of 0 to 100, set by code 0x31; code 0x32 answers more than fits.
+int32_t SetVolume(const android::Parcel& args, android::Parcel& values)
+{
+    const int32_t volume = args.readInt32();
+    if (volume < 0 || volume > 100) {
+        return 5;
+    }
+    values.writeInt32(volume);
+    return 0;
+}
+
+int32_t AnswerTooMuch(const android::Parcel&, android::Parcel& values)
+{
+    for (size_t i = 0; i < SHM_DATA_SIZE / 4; ++i) {  // with the status, 4 bytes too many
+        values.writeInt32(1);
+    }
+    return 0;
+}
+
+// Posts the request bytes with u32Size size, as the console does but with any size.
+void PostRaw(void* page, const std::vector<uint8_t>& bytes, uint32_t size)
+{
+    std::memcpy(ShmPayloadOf(page), bytes.data(), bytes.size());
+    ShmStoreSize(page, size);
+    ShmStoreFlag(page, SHM_FLAG_REQUEST);
+}
+
+}  // namespace
+
+TEST(ZoShmService, AnswersEachRequestTheConsolePosts)
+{
+    TempDir dir;
+    ZoShmService service;
+    std::string error;
+    ASSERT_EQ(0, service.Open(dir.File(".tv"), &error)) << error;
+    service.Register(0x31, SetVolume);
+    service.Register(0x32, AnswerTooMuch);
+    void* page = const_cast<void*>(service.Page());
+    EXPECT_FALSE(service.Pending());
+    EXPECT_EQ(ZoShmService::Served::kNothing, service.ServeOne());
+
+    const struct {
+        std::string request;
+        uint32_t size;  // u32Size; 0 for the request's length
+        std::string reply;
+        int32_t code;
+    } cases[] = {
+        {"31000000 1e000000", 0, "00000000 1e000000", 0x31},
+        {"31000000 2c010000", 0, "05000000", 0x31},  // a failure carries the status alone
+        {"99000000", 0, "ffffffff", 0x99},
+        {"3100", 0, "feffffff", -1},
+        {"31000000 1e000000", 4089, "feffffff", -1},
+        {"32000000", 0, "feffffff", 0x32},
+    };
+    for (const auto& c : cases) {
+        const std::vector<uint8_t> bytes = FromHex(c.request);
+        PostRaw(page, bytes, c.size != 0 ? c.size : uint32_t(bytes.size()));
+        EXPECT_TRUE(service.Pending()) << c.request;
+        int32_t code = 0;
+        EXPECT_EQ(ZoShmService::Served::kAnswered, service.ServeOne(&code));
+        EXPECT_EQ(c.code, code);
+        EXPECT_EQ(SHM_FLAG_REQUEST | SHM_FLAG_REPLY, ShmLoadFlag(page));
+        EXPECT_FALSE(service.Pending());
+        android::Parcel reply;
+        ASSERT_EQ(0, ShmAwaitReply(page, reply));
+        EXPECT_EQ(c.reply, HexWords(reply.data(), reply.dataSize())) << c.request;
+    }
+
+    // The console's own post; the reply of a request taken before another
+    // console replaced it is dropped, and the new one is served next.
+    android::Parcel request;
+    request.writeInt32(0x31);
+    request.writeInt32(7);
+    ASSERT_EQ(0, ShmPostRequest(page, request));
+    ZoShmRequest taken;
+    ASSERT_TRUE(service.TakeRequest(taken));
+    PostRaw(page, FromHex("99000000"), 4);
+    const uint8_t status[4] = {};
+    EXPECT_EQ(ZoShmService::Served::kDropped, service.PostReply(taken, status, sizeof status));
+    EXPECT_EQ(SHM_FLAG_REQUEST, ShmLoadFlag(page));
+    EXPECT_EQ(ZoShmService::Served::kAnswered, service.ServeOne());
+    service.DropRequest();
+    EXPECT_EQ(SHM_FLAG_REPLY, ShmLoadFlag(page)) << "no request is left pending";
+}
+
+TEST(ZoShmService, OpensOnlyARegularFileReachedWithoutALink)
+{
+    TempDir dir;
+    const std::string page = dir.File(".tv");
+    const std::string target = dir.Write("target", "kept");
+    const mode_t umaskWas = umask(022);
+    struct stat st {};
+    {
+        ZoShmService service;
+        ASSERT_EQ(0, service.Open(page, nullptr));
+        ASSERT_EQ(0, stat(page.c_str(), &st));
+        EXPECT_EQ(0660u, st.st_mode & 0777) << "the umask does not keep the console out";
+        EXPECT_EQ(off_t(SHM_SIZE), st.st_size);
+        EXPECT_GE(st.st_blocks * 512, off_t(SHM_SIZE)) << "the page's blocks are reserved";
+    }
+    dir.Write(".tv", std::string(5000, 'x'));
+    ZoShmService longer;
+    ASSERT_EQ(0, longer.Open(page, nullptr));
+    EXPECT_EQ(0, stat(page.c_str(), &st));
+    EXPECT_EQ(5000, st.st_size) << "a longer file keeps its tail";
+    umask(umaskWas);
+
+    const struct {
+        std::function<int()> make;
+        std::string error;
+    } refused[] = {
+        {[&] { return symlink(target.c_str(), page.c_str()); }, "is a symbolic link, not a regular file: refused"},
+        {[&] { return symlink(dir.File("none").c_str(), page.c_str()); }, "is a symbolic link, not a regular"},
+        {[&] { return mkfifo(page.c_str(), 0600); }, "is a FIFO, not a regular file: refused"},
+        {[&] { return mkdir(page.c_str(), 0700); }, "is a directory, not a regular file: refused"},
+    };
+    for (const auto& c : refused) {
+        remove(page.c_str());
+        ASSERT_EQ(0, c.make());
+        ZoShmService service;
+        std::string error;
+        EXPECT_EQ(-1, service.Open(page, &error));
+        EXPECT_EQ(page + " " + c.error, error.substr(0, page.size() + 1 + c.error.size()));
+        EXPECT_EQ(nullptr, service.Page());
+    }
+    EXPECT_EQ("kept", ReadFile(target));
+    EXPECT_NE(0, access(dir.File("none").c_str(), F_OK)) << "nothing made through a dangling link";
+}
