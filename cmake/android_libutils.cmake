@@ -49,6 +49,12 @@ if(CMAKE_CROSSCOMPILING)
   endif()
 endif()
 
+# Installed programs find the library where the package put it, off the
+# loader's default path.
+if(NOT CMAKE_CROSSCOMPILING)
+  set(CMAKE_INSTALL_RPATH ${ZO_ANDROID_LIB_DIR})
+endif()
+
 add_library(android::libutils SHARED IMPORTED)
 set_target_properties(android::libutils PROPERTIES
   IMPORTED_LOCATION ${ZO_ANDROID_LIBUTILS}
