@@ -144,4 +144,29 @@ TEST(ConsoleEnds, TruncatedSwapFileEndsWith1InsteadOfSigbus)
     EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
 }
 
+// A sparse page of full size on a full file system: a small one, mounted in a
+// namespace of the console's own, filled up before the console starts. The
+// simulator, on the service library, cannot reserve the page and says so.
+TEST(ConsoleEnds, PageWithoutRoomOnItsFileSystemEndsWith1InsteadOfSigbus)
+{
+    if (std::getenv("ZO_TEST_EMULATOR") != nullptr || system("unshare -rm true >/dev/null 2>&1") != 0) {
+        GTEST_SKIP() << "needs the console run natively in a mount namespace of its own";
+    }
+    ConsoleRun run;
+    const std::string fs = run.Dir().File("fs");
+    const std::string script = "mkdir " + fs + " && mount -t tmpfs -o size=16k zo " + fs + " && cp " +
+                               run.Dir().Path() + "/*.conf " + fs + " && truncate -s 4096 " + fs + "/.tv && " +
+                               "{ cat /dev/zero >" + fs + "/fill 2>/dev/null; " + ZO_SERVICE_SIM_PATH + " " + fs + "; exec " +
+                               ZO_CMD_DEBUG_HOST_PATH + " " + fs + "; }";
+    ASSERT_TRUE(run.Pty().Start("unshare", {"-rm", "sh", "-c", script}));
+    ASSERT_TRUE(run.Pty().Write("fmt\n"));
+    ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
+    ASSERT_TRUE(run.Pty().Write("int 5\n"));
+    EXPECT_EQ(0u, run.Exit().find("exit 1"));
+    for (const std::string& message : {"can't reserve 4096 bytes for " + fs + "/.tv: No space left on device\r\n",
+                                       "swap file " + fs + "/.tv could not back the shared page (is its file system"}) {
+        EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
+    }
+}
+
 }  // namespace
