@@ -12,7 +12,7 @@ std::string Hex(int32_t code)
     return text;
 }
 
-// An argument as the request line shows it: numbers as they were sent, a
+// An argument as the request line shows it: integers in decimal, reals by %g, a
 // string in double quotes with control bytes, '"' and '\' escaped.
 std::string ShowArg(const ZoFormatLetter& format, const ZoFormatValue& value)
 {
