@@ -1,0 +1,117 @@
+// zo_demo_tv DIR: a pretend TV for the example catalogue, on the service
+// library. It keeps its state between requests (tv_commands.h says what each
+// command does) and logs one line per request on standard output.
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tv_service.h"
+#include "tv_state.h"
+#include "zo_file_parse.h"
+#include "zo_shm_service.h"
+
+namespace {
+
+const char kUsage[] =
+    "usage: zo_demo_tv DIR\n"
+    "\n"
+    "A pretend TV for the console's example catalogue: creates DIR/.tv (4096 bytes)\n"
+    "when it is missing or short, maps it, and answers the console's requests as a\n"
+    "TV would, keeping its channel, settings and log level between them. Each\n"
+    "command answers the instruction code that the catalogue in DIR (mods.conf,\n"
+    "cmds.conf) gives it. One line per request goes to standard output: the command\n"
+    "word, its arguments and what was answered, e.g. 'vol 30 -> volume 30'.\n"
+    "\n"
+    "Refusals: status 1 for a value out of range (or an unknown log level), 2 for\n"
+    "a channel that does not exist, 3 for a rename, which gets no name.\n"
+    "\n"
+    "Ends on SIGINT or SIGTERM with status 0; a swap file it cannot open, or a\n"
+    "catalogue without any of its commands, exits with 1, a usage error with 2.\n";
+
+volatile sig_atomic_t g_stop = 0;
+
+void OnStopSignal(int)
+{
+    g_stop = 1;
+}
+
+int UsageError(const std::string& error)
+{
+    std::fprintf(stderr, "zo_demo_tv: %s\n%s", error.c_str(), kUsage);
+    return 2;
+}
+
+// The catalogue reports on standard output, which belongs to the request
+// lines here: its messages go to standard error instead.
+void LoadCatalogue(ZoFileParse& catalogue, const std::string& dir)
+{
+    std::fflush(stdout);
+    const int saved = dup(STDOUT_FILENO);
+    if (saved >= 0) {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+    }
+    catalogue.Init(dir);
+    std::fflush(stdout);
+    if (saved >= 0) {
+        dup2(saved, STDOUT_FILENO);
+        close(saved);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char* argv[])
+{
+    TvState tv(MonotonicMs());
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    if (argc != 2 || argv[1][0] == '-') {
+        return UsageError(argc != 2 ? "one directory expected" : std::string("unknown option ") + argv[1]);
+    }
+    const std::string dir = argv[1];
+    struct stat st {};
+    if (stat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
+        return UsageError("'" + dir + "' is not a directory");
+    }
+
+    ZoFileParse catalogue;
+    LoadCatalogue(catalogue, dir);
+    ZoShmService service;
+    TvService tvService(tv, stdout);
+    std::vector<std::string> warnings;
+    if (tvService.Register(catalogue, service, warnings) == 0) {
+        std::fprintf(stderr, "zo_demo_tv: the catalogue in %s holds none of the TV's commands: nothing to serve\n",
+                     dir.c_str());
+        return 1;
+    }
+    for (const std::string& warning : warnings) {
+        std::fprintf(stderr, "zo_demo_tv: %s\n", warning.c_str());
+    }
+
+    struct sigaction action {};
+    action.sa_handler = OnStopSignal;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+
+    std::string error;
+    if (service.Open(ShmSwapFilePath(dir), &error) != 0) {
+        std::fprintf(stderr, "zo_demo_tv: %s\n", error.c_str());
+        return 1;
+    }
+    while (g_stop == 0) {
+        service.Serve(100);  // a bounded wait, so that a stop signal is seen within 100 ms
+    }
+    if (service.Close(&error) != 0) {
+        std::fprintf(stderr, "zo_demo_tv: %s\n", error.c_str());
+        return 1;
+    }
+    return 0;
+}

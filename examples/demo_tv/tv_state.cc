@@ -1,0 +1,10 @@
+#include "tv_state.h"
+
+#include <ctime>
+
+int64_t MonotonicMs()
+{
+    struct timespec now {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
