@@ -128,7 +128,7 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
     }
 }
 
-TEST(ZoConfCheck, QuietAndUnreadable)
+TEST(ZoConfCheck, QuietUnreadableAndUsage)
 {
     TempDir dir;
     dir.Write("mods.conf", "");
@@ -143,7 +143,14 @@ TEST(ZoConfCheck, QuietAndUnreadable)
     mkfifo(dir.File("mods.conf").c_str(), 0600);  // opening it would wait for a writer for ever
     EXPECT_EQ(2, Check(dir, {dir.Path()}));
     EXPECT_EQ("zo_conf_check: cannot read " + dir.File("mods.conf") + ": not a regular file\n", ReadFile(dir.File("err")));
-    EXPECT_EQ(2, Check(dir, {}));
-    EXPECT_EQ(2, Check(dir, {dir.Path(), "--loud"}));
-    EXPECT_EQ("usage: zo_conf_check DIR [--quiet]\n", ReadFile(dir.File("err")));
+    EXPECT_EQ(0, Check(dir, {dir.Path(), "--help"}));
+    EXPECT_EQ(0u, ReadFile(dir.File("out")).find("usage: zo_conf_check DIR [--quiet]\n"));
+    EXPECT_EQ("", ReadFile(dir.File("err")));
+    for (const auto& usage : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{}, "missing DIR"},
+             {{dir.Path(), "--loud"}, "unknown option --loud"},
+             {{"a", "b"}, "unexpected argument 'b'"}}) {
+        EXPECT_EQ(2, Check(dir, usage.first));
+        EXPECT_EQ(0u, ReadFile(dir.File("err")).find("zo_conf_check: " + usage.second + "\nusage: zo_conf_check DIR"));
+    }
 }
