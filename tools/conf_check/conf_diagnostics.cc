@@ -11,17 +11,31 @@ std::string Counted(int n, const char* noun)
     return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
 }
 
+// text with bytes outside printable ASCII as \xHH and "\" as "\\".
+std::string Escaped(const std::string& text)
+{
+    std::string shown;
+    shown.reserve(text.size());
+    for (const char c : text) {
+        const unsigned char value = static_cast<unsigned char>(c);
+        if (c == '\\') {
+            shown += "\\\\";
+        } else if (value >= 0x20 && value < 0x7f) {
+            shown += c;
+        } else {
+            char hex[8];
+            snprintf(hex, sizeof hex, "\\x%02x", value);
+            shown += hex;
+        }
+    }
+    return shown;
+}
+
 }  // namespace
 
 std::string ShownByte(char byte)
 {
-    const unsigned char value = static_cast<unsigned char>(byte);
-    if (value >= 0x20 && value < 0x7f) {
-        return std::string("'") + byte + "'";
-    }
-    char hex[8];
-    snprintf(hex, sizeof hex, "0x%02x", value);
-    return hex;
+    return std::string("'") + byte + "'";
 }
 
 void ConfDiagnostics::Error(const std::string& file, int line, const std::string& text)
@@ -66,6 +80,7 @@ void ConfDiagnostics::Print(FILE* out) const
         return a.file != b.file ? a.file < b.file : a.line < b.line;
     });
     for (const Diagnostic& d : sorted) {
-        fprintf(out, "%s:%d: %s: %s\n", d.file.c_str(), d.line, d.error ? "error" : "warning", d.text.c_str());
+        fprintf(out, "%s:%d: %s: %s\n", d.file.c_str(), d.line, d.error ? "error" : "warning",
+                Escaped(d.text).c_str());
     }
 }

@@ -5,6 +5,11 @@
 // Diagnostics come out sorted by file, then by line; within one line in the
 // order they were reported. A diagnostic reported twice with the same file,
 // line, severity and text is printed once and counted once.
+//
+// Texts quote the files' bytes, which may be anything but a line feed: they
+// are printed with every byte outside printable ASCII as \xHH and the
+// backslash as \\, so that no NUL cuts a line and no escape sequence reaches
+// the terminal.
 #ifndef ZO_TOOLS_CONF_CHECK_CONF_DIAGNOSTICS_H
 #define ZO_TOOLS_CONF_CHECK_CONF_DIAGNOSTICS_H
 
@@ -14,7 +19,7 @@
 #include <tuple>
 #include <vector>
 
-// A byte as a message shows it: printable ones in quotes ('C'), others in hex (0x09).
+// A byte as a message names it: in quotes ('C'), escaped when printed.
 std::string ShownByte(char byte);
 
 class ConfDiagnostics

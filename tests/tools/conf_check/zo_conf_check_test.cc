@@ -93,13 +93,14 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
         {kMod + Mod("N", "setBA", "0x20"),
          Cmd("getCfg", "M", "0x11") + Cmd("e\x7f", "M", "0x12") + Cmd("x\x1b", "M", "0x13") + Cmd("y\x03", "N", "0x21"),
          {"cmds.conf:2: error: the command word 'getCfg' holds 'C', which the line editor drops: it cannot be typed",
-          "cmds.conf:10: error: the command word 'x\x1b' holds 0x1b, which the line editor drops",
-          "cmds.conf:14: error: the command word 'y\x03' holds 0x03, which the terminal turns into SIGINT",
+          "cmds.conf:10: error: the command word 'x\\x1b' holds '\\x1b', which the line editor drops",
+          "cmds.conf:14: error: the command word 'y\\x03' holds '\\x03', which the terminal turns into SIGINT",
           "mods.conf:5: error: the word 'setBA' of module 'N' holds 'B', which recalls the next line of the history: "
           "the module cannot be entered", "4 errors, 0 warnings"}},
-        {"# no block\n\n", "\ncommand = c\n",
+        {std::string("# no block\n\na") + '\0' + "b\\ = 1\n", "\ncommand = c\n",
          {"cmds.conf:1: error: the file holds no block (no \"[title]\" row): the console loads nothing from it",
-          "cmds.conf:2: error: \"command\" row outside", "mods.conf:1: error: the file holds no block", "3 errors"}},
+          "cmds.conf:2: error: \"command\" row outside", "mods.conf:1: error: the file holds no block",
+          "mods.conf:3: warning: 'a\\x00b\\\\' is no key of mods.conf", "3 errors, 1 warning"}},
         // Format letters and print tags.
         {kMod,
          Cmd("a", "M", "1", "para format = d d\nprint format = dS\nprint tags = x,y\n") +
