@@ -115,7 +115,7 @@ void ConfRecorder::OnBlockOpened(const char* file, int row, const std::string& n
     m_pendingEnd = 0;
 }
 
-void ConfRecorder::OnKeyTaken(const char* file, int row, Key key)
+void ConfRecorder::OnKeyTaken(const char* file, int row, Key key, const std::string& /*value*/)
 {
     const std::string& path = Follow(file);
     const auto earlier = m_keyRows.find(key);

@@ -64,7 +64,7 @@ public:
 
     void OnFileEmpty(const char* file) override;
     void OnBlockOpened(const char* file, int row, const std::string& name) override;
-    void OnKeyTaken(const char* file, int row, Key key) override;
+    void OnKeyTaken(const char* file, int row, Key key, const std::string& value) override;
     void OnBlockEndedEarly(const char* file, int row, const std::string& text, bool keyTooLong) override;
     void OnRowSkipped(const char* file, int row, const std::string& text, Key key) override;
     void OnLongTitleRow(const char* file, int row, const std::string& text, size_t length) override;
