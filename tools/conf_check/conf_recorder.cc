@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "conf_rules.h"
+
 namespace
 {
 
@@ -80,9 +82,21 @@ const char* KeyName(ConfKey key)
     return "";
 }
 
-ConfRecorder::ConfRecorder(const std::string& modsPath, const std::string& cmdsPath, ConfDiagnostics& diagnostics)
-    : m_modsPath(modsPath), m_cmdsPath(cmdsPath), m_diagnostics(diagnostics)
+ConfRecorder::ConfRecorder(const std::string& modsPath, const std::string& cmdsPath, ConfDiagnostics& diagnostics,
+                           ConfRules& rules)
+    : m_modsPath(modsPath), m_cmdsPath(cmdsPath), m_diagnostics(diagnostics), m_rules(rules)
 {
+}
+
+void ConfRecorder::Finish()
+{
+    for (const std::string* path : {&m_modsPath, &m_cmdsPath}) {
+        if (m_withBlocks.count(*path) == 0 && m_empty.count(*path) == 0) {
+            m_diagnostics.Error(*path, 1,
+                                "the file holds no block (no \"[title]\" row): the console loads nothing from it");
+        }
+    }
+    m_rules.Finish();
 }
 
 const std::string& ConfRecorder::Follow(const char* file)
@@ -91,7 +105,7 @@ const std::string& ConfRecorder::Follow(const char* file)
         m_file = file;
         m_blockName.clear();
         m_blockRow = 0;
-        m_keyRows.clear();
+        m_keyRows.fill(0);
         m_endRow = 0;
         m_pendingEnd = 0;
     }
@@ -110,7 +124,7 @@ void ConfRecorder::OnBlockOpened(const char* file, int row, const std::string& n
     m_withBlocks.insert(Follow(file));
     m_blockName = name;
     m_blockRow = row;
-    m_keyRows.clear();
+    m_keyRows.fill(0);
     m_endRow = 0;
     m_pendingEnd = 0;
 }
@@ -118,13 +132,13 @@ void ConfRecorder::OnBlockOpened(const char* file, int row, const std::string& n
 void ConfRecorder::OnKeyTaken(const char* file, int row, Key key, const std::string& /*value*/)
 {
     const std::string& path = Follow(file);
-    const auto earlier = m_keyRows.find(key);
-    if (earlier != m_keyRows.end()) {
+    int& keyRow = m_keyRows[static_cast<size_t>(key)];
+    if (keyRow != 0) {
         m_diagnostics.Warning(path, row,
                               std::string("\"") + KeyName(key) + "\" is given again in block '" + m_blockName +
-                                  "': this row replaces line " + std::to_string(earlier->second));
+                                  "': this row replaces line " + std::to_string(keyRow));
     }
-    m_keyRows[key] = row;
+    keyRow = row;
 }
 
 void ConfRecorder::OnBlockEndedEarly(const char* file, int row, const std::string& text, bool keyTooLong)
@@ -177,12 +191,14 @@ void ConfRecorder::OnRowSkipped(const char* file, int row, const std::string& te
 void ConfRecorder::OnLongTitleRow(const char* file, int row, const std::string& text, size_t length)
 {
     const std::string& path = Follow(file);
+    if (row == m_endRow) {
+        return;  // the row that ended the block, read again; reported already
+    }
     const std::string title = Trimmed(text);
     if (!title.empty() && title.front() == '[' && title.back() == ']') {
-        m_diagnostics.Error(
-            path, row,
-            "block title of " + std::to_string(length) + " characters is too long" +
-                AtMost(ZoFileParse::kMaxTitleRow) + ": no block opens here");
+        m_diagnostics.Error(path, row,
+                            "block title of " + std::to_string(length) + " characters is too long" +
+                                AtMost(ZoFileParse::kMaxTitleRow) + ": no block opens here");
     }
 }
 
@@ -209,11 +225,11 @@ void ConfRecorder::OnInstructionNotFigure(const char* file, int row, const std::
 void ConfRecorder::OnModule(const char* file, int row, const ZoFileParse::ZoModInfo& mod, Entry entry)
 {
     Follow(file);
-    m_modules.push_back(RecordedModule{row, m_keyRows, mod, entry});
+    m_rules.Module(RecordedModule{row, m_keyRows, mod, entry});
 }
 
 void ConfRecorder::OnCommand(const char* file, int row, const ZoFileParse::ZoCmdInfo& cmd, Entry entry)
 {
     Follow(file);
-    m_commands.push_back(RecordedCommand{row, m_keyRows, cmd, entry});
+    m_rules.Command(RecordedCommand{row, m_keyRows, cmd, entry});
 }

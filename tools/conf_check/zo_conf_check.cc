@@ -23,6 +23,7 @@ namespace
 constexpr int kExitErrors = 1;
 constexpr int kExitCannotRun = 2;
 
+// A printf format: the number of problems printed.
 const char kUsage[] =
     "usage: zo_conf_check DIR [--quiet]\n"
     "\n"
@@ -32,7 +33,8 @@ const char kUsage[] =
     "(\"2 errors, 1 warning\"). An error: the console will drop or ignore something\n"
     "the files say, or do something other than they say. A warning: the console does\n"
     "what they say, but it looks like a slip. Bytes outside printable ASCII are\n"
-    "shown as \\xHH, a backslash as \\\\.\n"
+    "shown as \\xHH, a backslash as \\\\. Only the first %u problems are printed,\n"
+    "then how many more there are.\n"
     "\n"
     "options:\n"
     "  --quiet  print the count alone\n"
@@ -41,10 +43,15 @@ const char kUsage[] =
     "Exit status: 0 without errors (warnings allowed), 1 with errors, 2 when a file\n"
     "cannot be read or the arguments are wrong.\n";
 
+void PrintUsage(FILE* out)
+{
+    fprintf(out, kUsage, static_cast<unsigned>(ConfDiagnostics::kDefaultShown));
+}
+
 int UsageError(const std::string& reason)
 {
     fprintf(stderr, "zo_conf_check: %s\n", reason.c_str());
-    fputs(kUsage, stderr);
+    PrintUsage(stderr);
     return kExitCannotRun;
 }
 
@@ -122,7 +129,7 @@ int main(int argc, char** argv)
         }
     }
     if (help) {
-        fputs(kUsage, stdout);
+        PrintUsage(stdout);
         return 0;
     }
     if (error.empty() && dir.empty()) {
@@ -142,15 +149,16 @@ int main(int argc, char** argv)
         return kExitCannotRun;
     }
 
-    ConfDiagnostics diagnostics;
-    ConfRecorder recorder(modsPath, cmdsPath, diagnostics);
+    ConfDiagnostics diagnostics(quiet ? 0 : ConfDiagnostics::kDefaultShown);
+    ConfRules rules(modsPath, cmdsPath, diagnostics);
+    ConfRecorder recorder(modsPath, cmdsPath, diagnostics, rules);
     ZoFileParse catalogue;
     catalogue.SetObserver(&recorder);
     {
         StdoutSilenced silenced;
         catalogue.Init(dir);
     }
-    CheckCatalogue(recorder, diagnostics);
+    recorder.Finish();
 
     if (!quiet) {
         diagnostics.Print(stdout);

@@ -1,4 +1,5 @@
 // zo_conf_check run as a program: each catalogue and the diagnostics it gets.
+#include <algorithm>
 #include <sstream>
 
 #include <fcntl.h>
@@ -78,17 +79,21 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
           "mods.conf:7: warning: module 'Shared' holds no", "mods.conf:9: error: module 'Shared' has the instruction",
           "mods.conf:10: error: module 'Mute' has no \"instruction\"", "6 errors, 1 warning"}},
         // Words and codes that collide.
-        {kMod + Mod("N", "m", "0x20") + Mod("Q", "Quit", "0x30"),
+        {kMod + Mod("N", "m", "0x20") + Mod("Q", "Quit", "0x30") + Mod("A", "m", "0x40"),
          kCmd + Cmd("d", "M", "0x11") + Cmd("e", "N", "0x11") + "[f]\ncommand = m\nbelong module = N\n" +
-             Cmd("g h", "Q", "0x31"),
+             Cmd("g h", "Q", "0x31") + Cmd("e2", "N", "0x11"),
          {"cmds.conf:8: error: the instruction code 0x11 of command 'd' is also the code of command 'c' (line 1) in",
           "cmds.conf:12: warning: the instruction code 0x11 of command 'e' is also the code of command 'c' (line 1) of",
           "cmds.conf:13: error: command 'm' has no \"instruction\"",
+          "cmds.conf:14: warning: the command word 'm' is also the word of module 'A'",
           "cmds.conf:14: warning: the command word 'm' is also the word of module 'M'",
           "cmds.conf:14: warning: the command word 'm' is also the word of module 'N'",
           "cmds.conf:17: error: the command word 'g h' holds white",
-          "mods.conf:5: error: the word 'm' of module 'N' is also the word of module 'M' (line 1): typing it enters "
-          "module 'M'", "mods.conf:8: error: the word 'Quit' of module 'Q'", "5 errors, 3 warnings"}},
+          "cmds.conf:23: error: the instruction code 0x11 of command 'e2' is also the code of command 'e' (line 9) in",
+          "mods.conf:2: error: the word 'm' of module 'M' is also the word of module 'A' (line 10), whose name sorts "
+          "first: typing it enters module 'A'", "mods.conf:5: error: the word 'm' of module 'N' is also the word of "
+          "module 'A'", "mods.conf:8: error: the word 'Quit' of module 'Q'", "mods.conf:10: warning: module 'A' holds",
+          "7 errors, 5 warnings"}},
         // Words holding a byte the prompt takes as a key; DEL is typed as it is. Files with no block.
         {kMod + Mod("N", "setBA", "0x20"),
          Cmd("getCfg", "M", "0x11") + Cmd("e\x7f", "M", "0x12") + Cmd("x\x1b", "M", "0x13") + Cmd("y\x03", "N", "0x21"),
@@ -129,13 +134,27 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
     }
 }
 
-TEST(ZoConfCheck, QuietUnreadableAndUsage)
+TEST(ZoConfCheck, QuietLimitedUnreadableAndUsage)
 {
     TempDir dir;
     dir.Write("mods.conf", "");
     dir.Write("cmds.conf", kCmd);
     EXPECT_EQ(1, Check(dir, {"--quiet", dir.Path() + "/"}));
     EXPECT_EQ("2 errors, 0 warnings\n", ReadFile(dir.File("out")));  // the empty file, and a command without module
+    // The first 100 in printing order, the one of cmds.conf found last included; the others counted.
+    std::string rows;
+    for (int i = 0; i < 150; ++i) {
+        rows += "a=b\n";  // no key, outside a block: a warning each
+    }
+    dir.Write("mods.conf", rows + kMod);
+    dir.Write("cmds.conf", "[c]\n");
+    EXPECT_EQ(1, Check(dir, {dir.Path()}));
+    const std::string report = ReadFile(dir.File("out"));
+    const std::string end = "\n52 more diagnostics not shown (only the first 100 are printed)\n1 error, 151 warnings\n";
+    EXPECT_EQ(0u, report.find(dir.File("cmds.conf:1: error")));
+    EXPECT_NE(std::string::npos, report.find(dir.File("mods.conf:99: warning")));
+    EXPECT_EQ(report.size() - end.size(), report.find(end));
+    EXPECT_EQ(102, std::count(report.begin(), report.end(), '\n'));
     EXPECT_EQ(2, Check(dir, {dir.File("none")}));
     EXPECT_EQ("zo_conf_check: cannot read " + dir.File("none/mods.conf") + ": No such file or directory\n" +
                   "zo_conf_check: cannot read " + dir.File("none/cmds.conf") + ": No such file or directory\n",
