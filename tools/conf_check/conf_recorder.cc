@@ -1,6 +1,7 @@
 // Turning the reader's events into diagnostics and recorded blocks.
 #include "conf_recorder.h"
 
+#include <cctype>
 #include <cstring>
 
 #include "conf_rules.h"
@@ -48,6 +49,15 @@ std::string KeyPart(const std::string& text)
 std::string AtMost(size_t limit)
 {
     return " (at most " + std::to_string(limit) + ")";
+}
+
+// An "instruction" value whose "0x" has no hexadecimal digit after it ("0x",
+// "-0x", "0x-11"): the number read is the 0 before the x.
+bool PrefixWithoutDigit(const std::string& value)
+{
+    const size_t zero = (!value.empty() && (value[0] == '-' || value[0] == '+')) ? 1 : 0;
+    return value.size() >= zero + 2 && value[zero] == '0' && (value[zero + 1] == 'x' || value[zero + 1] == 'X') &&
+           !std::isxdigit(static_cast<unsigned char>(value.c_str()[zero + 2]));
 }
 
 // "mods.conf" out of "DIR/mods.conf".
@@ -129,7 +139,7 @@ void ConfRecorder::OnBlockOpened(const char* file, int row, const std::string& n
     m_pendingEnd = 0;
 }
 
-void ConfRecorder::OnKeyTaken(const char* file, int row, Key key, const std::string& /*value*/)
+void ConfRecorder::OnKeyTaken(const char* file, int row, Key key, const std::string& value)
 {
     const std::string& path = Follow(file);
     int& keyRow = m_keyRows[static_cast<size_t>(key)];
@@ -139,6 +149,11 @@ void ConfRecorder::OnKeyTaken(const char* file, int row, Key key, const std::str
                                   "': this row replaces line " + std::to_string(keyRow));
     }
     keyRow = row;
+    // The console reads such a value as 0 without a word, as it would a value
+    // with no digit at all: judged alike.
+    if (key == Key::kInstruction && PrefixWithoutDigit(value)) {
+        OnInstructionNotFigure(file, row, value);
+    }
 }
 
 void ConfRecorder::OnBlockEndedEarly(const char* file, int row, const std::string& text, bool keyTooLong)
@@ -194,11 +209,14 @@ void ConfRecorder::OnLongTitleRow(const char* file, int row, const std::string& 
     if (row == m_endRow) {
         return;  // the row that ended the block, read again; reported already
     }
+    // The reader cuts a longer line to its row length, closing "]" and all, so
+    // a row of that length that begins like a title is taken for one.
+    const bool cut = length >= ZoFile::kMaxRowLength;
     const std::string title = Trimmed(text);
-    if (!title.empty() && title.front() == '[' && title.back() == ']') {
+    if (!title.empty() && title.front() == '[' && (cut || title.back() == ']')) {
         m_diagnostics.Error(path, row,
-                            "block title of " + std::to_string(length) + " characters is too long" +
-                                AtMost(ZoFileParse::kMaxTitleRow) + ": no block opens here");
+                            "block title of " + std::to_string(length) + " characters" + (cut ? " or more" : "") +
+                                " is too long" + AtMost(ZoFileParse::kMaxTitleRow) + ": no block opens here");
     }
 }
 

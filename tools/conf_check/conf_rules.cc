@@ -72,6 +72,11 @@ void ConfRules::Module(const RecordedModule& mod)
                                 ": this block is ignored");
         return;
     }
+    if (name.empty()) {
+        m_diagnostics.Error(m_modsPath, mod.row,
+                            "the block title '[]' gives the module an empty name, which the console takes for the "
+                            "top level: the module can never be entered");
+    }
     const KeptModule& kept = m_modules.emplace(name, KeptModule{mod, false}).first->second;
     CheckModuleCode(kept.block);
     CheckModuleWord(kept.block);
@@ -267,7 +272,7 @@ void ConfRules::Finish()
         }
     }
     for (const auto& mod : m_modules) {
-        if (mod.second.block.info.s32Instruct != -1 && !mod.second.holdsCommand) {
+        if (mod.second.block.info.s32Instruct != -1 && !mod.second.holdsCommand && !mod.first.empty()) {
             m_diagnostics.Warning(m_modsPath, mod.second.block.row, "module '" + mod.first + "' holds no command");
         }
     }

@@ -1,7 +1,7 @@
 // ConfRules: the checks of the blocks of a catalogue. Each finished block is
 // judged as the reader finishes it: what became of it (dropped duplicates,
-// commands of unknown modules or of modules without a code), missing or
-// colliding instruction codes, words that cannot be typed
+// commands of unknown modules or of modules without a code), empty module
+// names, missing or colliding instruction codes, words that cannot be typed
 // (white space, or a byte the line editor or the terminal takes as a key),
 // and each command's formats (format_rules.h). At the end come the checks
 // that need every module: module words shared by modules, and modules with

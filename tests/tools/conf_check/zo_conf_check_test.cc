@@ -52,7 +52,7 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
         {ReadFile(ZO_EXAMPLES_DIR "/mods.conf"), ReadFile(ZO_EXAMPLES_DIR "/cmds.conf"),
          {"cmds.conf:37: warning: \"para format\" 'dS': the letter S is not supported", "0 errors, 1 warning"}},
         // Rows the reader passes over or cuts.
-        {"instruction = 0x5\n" + kMod + "# keys end here\ndescription = d\n",
+        {"instruction = 0x5\n" + kMod + "# keys end here\ndescription = d\n[" + std::string(5000, 'T') + "]\n",
          "[c]\ncommand = c\nbelong module = M\nprint tags = a\nprint tags = b\nInstruction = 0x11\ninstruction = 0x11\n"
          "[d]\ncommand = d\n \nbelong module = M\n[e]\ncommand = e\nbelong module = M\ninstruction = zz\n"
          "description = " + std::string(255, 'x') + "\n[" + std::string(260, 'T') + "]\n" +
@@ -68,32 +68,36 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
           "cmds.conf:20: error: the text before \"=\" is 256 characters long (at most 255)",
           "mods.conf:1: error: \"instruction\" row outside a block is ignored (there is no block title above it)",
           "mods.conf:5: error: this row is no key row and ends", "mods.conf:6: error: \"description\" row outside",
-          "15 errors, 2 warnings"}},
+          "mods.conf:7: error: block title of 4096 characters or more is too long", "16 errors, 2 warnings"}},
         // Blocks the catalogue drops, and why.
-        {kMod + Mod("M", "other", "0x30") + Mod("Shared", "s", "0x10") + "[Mute]\ncommand = mute\n",
+        {kMod + Mod("M", "other", "0x30") + Mod("Shared", "s", "0x10") + "[Mute]\ncommand = mute\n" +
+             Mod("", "e", "0x"),
          kCmd + "[c2]\ncommand = c\nbelong module = Shared\ninstruction = 0x12\n" + Cmd("w", "m", "0x13") +
              Cmd("x", "Mute", "0x14"),
          {"cmds.conf:5: error: command 'c' is already defined at line 1 by module 'M', which shares the code 0x10",
           "cmds.conf:11: error: no module 'm' in mods.conf: command 'w' is dropped ('m' is the word of module 'M'",
           "cmds.conf:15: error: module 'Mute' has no instruction code", "mods.conf:4: error: module 'M' is already",
           "mods.conf:7: warning: module 'Shared' holds no", "mods.conf:9: error: module 'Shared' has the instruction",
-          "mods.conf:10: error: module 'Mute' has no \"instruction\"", "6 errors, 1 warning"}},
+          "mods.conf:10: error: module 'Mute' has no \"instruction\"",
+          "mods.conf:12: error: the block title '[]' gives the module an empty name, which the console takes for",
+          "mods.conf:14: error: instruction '0x' is no hexadecimal number: the console takes 0",
+          "8 errors, 1 warning"}},
         // Words and codes that collide.
         {kMod + Mod("N", "m", "0x20") + Mod("Q", "Quit", "0x30") + Mod("A", "m", "0x40"),
          kCmd + Cmd("d", "M", "0x11") + Cmd("e", "N", "0x11") + "[f]\ncommand = m\nbelong module = N\n" +
-             Cmd("g h", "Q", "0x31") + Cmd("e2", "N", "0x11"),
+             Cmd("g h", "Q", "0x-11") + Cmd("e2", "N", "0x11"),
          {"cmds.conf:8: error: the instruction code 0x11 of command 'd' is also the code of command 'c' (line 1) in",
           "cmds.conf:12: warning: the instruction code 0x11 of command 'e' is also the code of command 'c' (line 1) of",
           "cmds.conf:13: error: command 'm' has no \"instruction\"",
           "cmds.conf:14: warning: the command word 'm' is also the word of module 'A'",
           "cmds.conf:14: warning: the command word 'm' is also the word of module 'M'",
           "cmds.conf:14: warning: the command word 'm' is also the word of module 'N'",
-          "cmds.conf:17: error: the command word 'g h' holds white",
+          "cmds.conf:17: error: the command word 'g h' holds white", "cmds.conf:19: error: instruction '0x-11' is no",
           "cmds.conf:23: error: the instruction code 0x11 of command 'e2' is also the code of command 'e' (line 9) in",
           "mods.conf:2: error: the word 'm' of module 'M' is also the word of module 'A' (line 10), whose name sorts "
           "first: typing it enters module 'A'", "mods.conf:5: error: the word 'm' of module 'N' is also the word of "
           "module 'A'", "mods.conf:8: error: the word 'Quit' of module 'Q'", "mods.conf:10: warning: module 'A' holds",
-          "7 errors, 5 warnings"}},
+          "8 errors, 5 warnings"}},
         // Words holding a byte the prompt takes as a key; DEL is typed as it is. Files with no block.
         {kMod + Mod("N", "setBA", "0x20"),
          Cmd("getCfg", "M", "0x11") + Cmd("e\x7f", "M", "0x12") + Cmd("x\x1b", "M", "0x13") + Cmd("y\x03", "N", "0x21"),
