@@ -142,9 +142,9 @@ private:
     static Key CmdKeyOf(const std::string& row);
     static Key SetModKey(const std::string& row, ZoModInfo& mod);
     static Key SetCmdKey(const std::string& row, ZoCmdInfo& cmd);
-    // Tells the observer what became of the value of a key row just taken,
-    // from the outcome of the same extraction.
-    void ObserveValue(const char* fileName, int rowNumber, const std::string& row, Key key) const;
+    // Tells the observer of a key row just taken and what became of its
+    // value, from the outcome of the same extraction.
+    void ObserveKey(const char* fileName, int rowNumber, const std::string& row, Key key) const;
 
     // --- Entering records (zo_file_parse.cc) ---
     // Records are taken by value: the block reader moves each finished record

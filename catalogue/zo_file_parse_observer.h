@@ -37,8 +37,11 @@ public:
     // A title row opened the block name.
     virtual void OnBlockOpened(const char* /*file*/, int /*row*/, const std::string& /*name*/) {}
     // A key row of the open block set the field of key (replacing an
-    // earlier value of the same key, if any).
-    virtual void OnKeyTaken(const char* /*file*/, int /*row*/, Key /*key*/) {}
+    // earlier value of the same key, if any). value is the text the field was
+    // set from: trimmed, cut at a NUL byte, empty when too long; for
+    // "instruction" the text the number was read from, for "print tags" the
+    // text before it was split.
+    virtual void OnKeyTaken(const char* /*file*/, int /*row*/, Key /*key*/, const std::string& /*value*/) {}
     // A row that is neither empty, nor a title, nor a key row of the file
     // ended the open block; text is the row. keyTooLong: the row holds "="
     // but the text before it is longer than ZoFileParse::kMaxKeyPart.

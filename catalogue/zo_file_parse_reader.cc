@@ -145,8 +145,7 @@ int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName
         const Key key = setKey(row);
         if (key != Key::kNone) {
             if (observer != nullptr) {
-                observer->OnKeyTaken(fileName, rowNumber, key);
-                ObserveValue(fileName, rowNumber, row, key);
+                ObserveKey(fileName, rowNumber, row, key);
             }
             continue;
         }

@@ -262,13 +262,14 @@ Array<std::string> ZoFileParse::GetPrintTags(const std::string& row)
 }
 
 // ---------------------------------------------------------------------------
-// Observing values: GetValue's outcome, without its messages
+// Observing key rows: GetValue's outcome, without its messages
 
-void ZoFileParse::ObserveValue(const char* fileName, int rowNumber, const std::string& row, Key key) const
+void ZoFileParse::ObserveKey(const char* fileName, int rowNumber, const std::string& row, Key key) const
 {
     const size_t n = row.find('=');
     char buf[kRowBufSize];
     const int outcome = GetValue(row, nullptr, buf);
+    m_pObserver->OnKeyTaken(fileName, rowNumber, key, buf);
     if (outcome > 0) {
         m_pObserver->OnValueTooLong(fileName, rowNumber, key, row.size() - n - 1);
         return;

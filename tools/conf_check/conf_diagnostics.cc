@@ -6,23 +6,39 @@
 namespace
 {
 
-std::string Counted(int n, const char* noun)
+std::string Counted(long n, const char* noun)
 {
     return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
+}
+
+// text with bytes outside printable ASCII as \xHH and "\" as "\\".
+std::string Escaped(const std::string& text)
+{
+    std::string shown;
+    shown.reserve(text.size());
+    for (const char c : text) {
+        const unsigned char value = static_cast<unsigned char>(c);
+        if (c == '\\') {
+            shown += "\\\\";
+        } else if (value >= 0x20 && value < 0x7f) {
+            shown += c;
+        } else {
+            char hex[8];
+            snprintf(hex, sizeof hex, "\\x%02x", value);
+            shown += hex;
+        }
+    }
+    return shown;
 }
 
 }  // namespace
 
 std::string ShownByte(char byte)
 {
-    const unsigned char value = static_cast<unsigned char>(byte);
-    if (value >= 0x20 && value < 0x7f) {
-        return std::string("'") + byte + "'";
-    }
-    char hex[8];
-    snprintf(hex, sizeof hex, "0x%02x", value);
-    return hex;
+    return std::string("'") + byte + "'";
 }
+
+ConfDiagnostics::ConfDiagnostics(size_t shown) : m_shown(shown) {}
 
 void ConfDiagnostics::Error(const std::string& file, int line, const std::string& text)
 {
@@ -34,38 +50,50 @@ void ConfDiagnostics::Warning(const std::string& file, int line, const std::stri
     Add(file, line, false, text);
 }
 
+bool ConfDiagnostics::Before(const Diagnostic& a, const Diagnostic& b)
+{
+    if (a.file != b.file) {
+        return a.file < b.file;
+    }
+    return a.line != b.line ? a.line < b.line : a.found < b.found;
+}
+
 void ConfDiagnostics::Add(const std::string& file, int line, bool error, const std::string& text)
 {
-    // A row that ends a block is read twice, and so may be reported twice.
-    if (!m_seen.emplace(file, line, error, text).second) {
+    const long found = m_errors + m_warnings;
+    ++(error ? m_errors : m_warnings);
+    if (m_shown == 0) {
         return;
     }
-    m_diagnostics.push_back(Diagnostic{file, line, error, text});
-}
-
-int ConfDiagnostics::Errors() const
-{
-    return static_cast<int>(
-        std::count_if(m_diagnostics.begin(), m_diagnostics.end(), [](const Diagnostic& d) { return d.error; }));
-}
-
-int ConfDiagnostics::Warnings() const
-{
-    return static_cast<int>(m_diagnostics.size()) - Errors();
+    Diagnostic diagnostic{file, line, found, error, text};
+    if (m_kept.size() == m_shown) {
+        if (!Before(diagnostic, m_kept.front())) {
+            return;  // after every kept one: counted only
+        }
+        std::pop_heap(m_kept.begin(), m_kept.end(), Before);
+        m_kept.back() = std::move(diagnostic);
+    } else {
+        m_kept.push_back(std::move(diagnostic));
+    }
+    std::push_heap(m_kept.begin(), m_kept.end(), Before);
 }
 
 std::string ConfDiagnostics::Count() const
 {
-    return Counted(Errors(), "error") + ", " + Counted(Warnings(), "warning");
+    return Counted(m_errors, "error") + ", " + Counted(m_warnings, "warning");
 }
 
 void ConfDiagnostics::Print(FILE* out) const
 {
-    std::vector<Diagnostic> sorted = m_diagnostics;
-    std::stable_sort(sorted.begin(), sorted.end(), [](const Diagnostic& a, const Diagnostic& b) {
-        return a.file != b.file ? a.file < b.file : a.line < b.line;
-    });
+    std::vector<Diagnostic> sorted = m_kept;
+    std::sort_heap(sorted.begin(), sorted.end(), Before);
     for (const Diagnostic& d : sorted) {
-        fprintf(out, "%s:%d: %s: %s\n", d.file.c_str(), d.line, d.error ? "error" : "warning", d.text.c_str());
+        fprintf(out, "%s:%d: %s: %s\n", d.file.c_str(), d.line, d.error ? "error" : "warning",
+                Escaped(d.text).c_str());
+    }
+    const long more = m_errors + m_warnings - static_cast<long>(sorted.size());
+    if (more > 0 && !sorted.empty()) {
+        fprintf(out, "%s not shown (only the first %u are printed)\n", Counted(more, "more diagnostic").c_str(),
+                static_cast<unsigned>(sorted.size()));
     }
 }

@@ -1,7 +1,10 @@
 // Turning the reader's events into diagnostics and recorded blocks.
 #include "conf_recorder.h"
 
+#include <cctype>
 #include <cstring>
+
+#include "conf_rules.h"
 
 namespace
 {
@@ -48,6 +51,15 @@ std::string AtMost(size_t limit)
     return " (at most " + std::to_string(limit) + ")";
 }
 
+// An "instruction" value whose "0x" has no hexadecimal digit after it ("0x",
+// "-0x", "0x-11"): the number read is the 0 before the x.
+bool PrefixWithoutDigit(const std::string& value)
+{
+    const size_t zero = (!value.empty() && (value[0] == '-' || value[0] == '+')) ? 1 : 0;
+    return value.size() >= zero + 2 && value[zero] == '0' && (value[zero + 1] == 'x' || value[zero + 1] == 'X') &&
+           !std::isxdigit(static_cast<unsigned char>(value.c_str()[zero + 2]));
+}
+
 // "mods.conf" out of "DIR/mods.conf".
 std::string BaseName(const std::string& path)
 {
@@ -80,9 +92,21 @@ const char* KeyName(ConfKey key)
     return "";
 }
 
-ConfRecorder::ConfRecorder(const std::string& modsPath, const std::string& cmdsPath, ConfDiagnostics& diagnostics)
-    : m_modsPath(modsPath), m_cmdsPath(cmdsPath), m_diagnostics(diagnostics)
+ConfRecorder::ConfRecorder(const std::string& modsPath, const std::string& cmdsPath, ConfDiagnostics& diagnostics,
+                           ConfRules& rules)
+    : m_modsPath(modsPath), m_cmdsPath(cmdsPath), m_diagnostics(diagnostics), m_rules(rules)
 {
+}
+
+void ConfRecorder::Finish()
+{
+    for (const std::string* path : {&m_modsPath, &m_cmdsPath}) {
+        if (m_withBlocks.count(*path) == 0 && m_empty.count(*path) == 0) {
+            m_diagnostics.Error(*path, 1,
+                                "the file holds no block (no \"[title]\" row): the console loads nothing from it");
+        }
+    }
+    m_rules.Finish();
 }
 
 const std::string& ConfRecorder::Follow(const char* file)
@@ -91,7 +115,7 @@ const std::string& ConfRecorder::Follow(const char* file)
         m_file = file;
         m_blockName.clear();
         m_blockRow = 0;
-        m_keyRows.clear();
+        m_keyRows.fill(0);
         m_endRow = 0;
         m_pendingEnd = 0;
     }
@@ -110,21 +134,26 @@ void ConfRecorder::OnBlockOpened(const char* file, int row, const std::string& n
     m_withBlocks.insert(Follow(file));
     m_blockName = name;
     m_blockRow = row;
-    m_keyRows.clear();
+    m_keyRows.fill(0);
     m_endRow = 0;
     m_pendingEnd = 0;
 }
 
-void ConfRecorder::OnKeyTaken(const char* file, int row, Key key)
+void ConfRecorder::OnKeyTaken(const char* file, int row, Key key, const std::string& value)
 {
     const std::string& path = Follow(file);
-    const auto earlier = m_keyRows.find(key);
-    if (earlier != m_keyRows.end()) {
+    int& keyRow = m_keyRows[static_cast<size_t>(key)];
+    if (keyRow != 0) {
         m_diagnostics.Warning(path, row,
                               std::string("\"") + KeyName(key) + "\" is given again in block '" + m_blockName +
-                                  "': this row replaces line " + std::to_string(earlier->second));
+                                  "': this row replaces line " + std::to_string(keyRow));
     }
-    m_keyRows[key] = row;
+    keyRow = row;
+    // The console reads such a value as 0 without a word, as it would a value
+    // with no digit at all: judged alike.
+    if (key == Key::kInstruction && PrefixWithoutDigit(value)) {
+        OnInstructionNotFigure(file, row, value);
+    }
 }
 
 void ConfRecorder::OnBlockEndedEarly(const char* file, int row, const std::string& text, bool keyTooLong)
@@ -177,12 +206,17 @@ void ConfRecorder::OnRowSkipped(const char* file, int row, const std::string& te
 void ConfRecorder::OnLongTitleRow(const char* file, int row, const std::string& text, size_t length)
 {
     const std::string& path = Follow(file);
+    if (row == m_endRow) {
+        return;  // the row that ended the block, read again; reported already
+    }
+    // The reader cuts a longer line to its row length, closing "]" and all, so
+    // a row of that length that begins like a title is taken for one.
+    const bool cut = length >= ZoFile::kMaxRowLength;
     const std::string title = Trimmed(text);
-    if (!title.empty() && title.front() == '[' && title.back() == ']') {
-        m_diagnostics.Error(
-            path, row,
-            "block title of " + std::to_string(length) + " characters is too long" +
-                AtMost(ZoFileParse::kMaxTitleRow) + ": no block opens here");
+    if (!title.empty() && title.front() == '[' && (cut || title.back() == ']')) {
+        m_diagnostics.Error(path, row,
+                            "block title of " + std::to_string(length) + " characters" + (cut ? " or more" : "") +
+                                " is too long" + AtMost(ZoFileParse::kMaxTitleRow) + ": no block opens here");
     }
 }
 
@@ -209,11 +243,11 @@ void ConfRecorder::OnInstructionNotFigure(const char* file, int row, const std::
 void ConfRecorder::OnModule(const char* file, int row, const ZoFileParse::ZoModInfo& mod, Entry entry)
 {
     Follow(file);
-    m_modules.push_back(RecordedModule{row, m_keyRows, mod, entry});
+    m_rules.Module(RecordedModule{row, m_keyRows, mod, entry});
 }
 
 void ConfRecorder::OnCommand(const char* file, int row, const ZoFileParse::ZoCmdInfo& cmd, Entry entry)
 {
     Follow(file);
-    m_commands.push_back(RecordedCommand{row, m_keyRows, cmd, entry});
+    m_rules.Command(RecordedCommand{row, m_keyRows, cmd, entry});
 }

@@ -1,12 +1,10 @@
-// Checks across the modules and commands of a loaded catalogue.
+// Checks across the modules and commands of a catalogue.
 #include "conf_rules.h"
 
 #include <strings.h>
+#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
-#include <map>
-#include <set>
-#include <utility>
 
 #include "format_rules.h"
 #include "zo_stream_key_table.h"
@@ -51,84 +49,6 @@ std::string UntypableByte(const std::string& word)
     return "";
 }
 
-// The entered modules by name, and the names that hold a command.
-struct Modules {
-    std::map<std::string, const RecordedModule*> byName;
-    std::set<std::string> withCommands;
-};
-
-void CheckModuleCode(const std::string& path, const RecordedModule& mod,
-                     std::map<int32_t, const RecordedModule*>& byCode, ConfDiagnostics& diagnostics)
-{
-    const std::string name = "module '" + mod.info.strName + "'";
-    const int row = mod.RowOf(ConfKey::kInstruction);
-    if (mod.info.s32Instruct == -1) {
-        diagnostics.Error(path, row,
-                          mod.Has(ConfKey::kInstruction) ? "instruction -1 means none: " + name + " can hold no command"
-                                                         : name + " has no \"instruction\": it can hold no command");
-        return;
-    }
-    const auto first = byCode.emplace(mod.info.s32Instruct, &mod);
-    if (!first.second) {
-        const RecordedModule& other = *first.first->second;
-        diagnostics.Error(path, row,
-                          name + " has the instruction code " + Code(mod.info.s32Instruct) + " of module '" +
-                              other.info.strName + "' (" + Line(other.row) + "): their commands are filed together");
-    }
-}
-
-void CheckModuleWord(const std::string& path, const RecordedModule& mod,
-                     std::map<std::string, const RecordedModule*>& byWord, ConfDiagnostics& diagnostics)
-{
-    const std::string& word = mod.info.strCommand;
-    const std::string name = "module '" + mod.info.strName + "'";
-    const int row = mod.RowOf(ConfKey::kCommand);
-    if (word.empty()) {
-        diagnostics.Error(path, row, name + " has no \"command\" word: it cannot be entered at the prompt");
-        return;
-    }
-    if (IsConsoleWord(word)) {
-        diagnostics.Error(path, row,
-                          "the word '" + word + "' of " + name +
-                              " is the console's own (help, ?, q, quit): the module cannot be entered");
-        return;
-    }
-    const std::string untypable = UntypableByte(word);
-    if (!untypable.empty()) {
-        diagnostics.Error(path, row,
-                          "the word '" + word + "' of " + name + " holds " + untypable +
-                              ": the module cannot be entered");
-        return;
-    }
-    const auto first = byWord.emplace(word, &mod);
-    if (!first.second) {
-        // The console tries the module words in the order of the names.
-        const RecordedModule& other = *first.first->second;
-        const std::string& winner = std::min(other.info.strName, mod.info.strName);
-        diagnostics.Error(path, row,
-                          "the word '" + word + "' of " + name + " is also the word of module '" + other.info.strName +
-                              "' (" + Line(other.row) + "): typing it enters module '" + winner + "'");
-    }
-}
-
-void CheckModules(const ConfRecorder& recorder, Modules& modules, ConfDiagnostics& diagnostics)
-{
-    const std::string& path = recorder.ModsPath();
-    std::map<int32_t, const RecordedModule*> byCode;
-    std::map<std::string, const RecordedModule*> byWord;
-    for (const RecordedModule& mod : recorder.Modules()) {
-        if (mod.entry == ZoFileParse::Entry::kDuplicateModule) {
-            diagnostics.Error(path, mod.row,
-                              "module '" + mod.info.strName + "' is already defined at " +
-                                  Line(modules.byName.at(mod.info.strName)->row) + ": this block is ignored");
-            continue;
-        }
-        modules.byName[mod.info.strName] = &mod;
-        CheckModuleCode(path, mod, byCode, diagnostics);
-        CheckModuleWord(path, mod, byWord, diagnostics);
-    }
-}
-
 // A name for a command in messages: its word, or its title when it has none.
 std::string Named(const RecordedCommand& cmd)
 {
@@ -136,10 +56,100 @@ std::string Named(const RecordedCommand& cmd)
                                        : "command '" + cmd.info.strCommand + "'";
 }
 
-// Reports a command the catalogue dropped; false when it was entered.
-bool CheckDropped(const std::string& path, const RecordedCommand& cmd, const Modules& modules,
-                  const std::map<std::pair<int32_t, std::string>, const RecordedCommand*>& byWord,
-                  ConfDiagnostics& diagnostics)
+}  // namespace
+
+ConfRules::ConfRules(const std::string& modsPath, const std::string& cmdsPath, ConfDiagnostics& diagnostics)
+    : m_modsPath(modsPath), m_cmdsPath(cmdsPath), m_diagnostics(diagnostics)
+{
+}
+
+void ConfRules::Module(const RecordedModule& mod)
+{
+    const std::string& name = mod.info.strName;
+    if (mod.entry == ZoFileParse::Entry::kDuplicateModule) {
+        m_diagnostics.Error(m_modsPath, mod.row,
+                            "module '" + name + "' is already defined at " + Line(m_modules.at(name).block.row) +
+                                ": this block is ignored");
+        return;
+    }
+    if (name.empty()) {
+        m_diagnostics.Error(m_modsPath, mod.row,
+                            "the block title '[]' gives the module an empty name, which the console takes for the "
+                            "top level: the module can never be entered");
+    }
+    const KeptModule& kept = m_modules.emplace(name, KeptModule{mod, false}).first->second;
+    CheckModuleCode(kept.block);
+    CheckModuleWord(kept.block);
+    if (!mod.info.strCommand.empty()) {
+        std::vector<const KeptModule*>& sharing = m_moduleWords[mod.info.strCommand];
+        sharing.insert(std::upper_bound(sharing.begin(), sharing.end(), &kept,
+                                        [](const KeptModule* a, const KeptModule* b) {
+                                            return a->block.info.strName < b->block.info.strName;
+                                        }),
+                       &kept);
+    }
+}
+
+void ConfRules::CheckModuleCode(const RecordedModule& mod)
+{
+    const std::string name = "module '" + mod.info.strName + "'";
+    const int row = mod.RowOf(ConfKey::kInstruction);
+    if (mod.info.s32Instruct == -1) {
+        m_diagnostics.Error(m_modsPath, row,
+                            mod.Has(ConfKey::kInstruction)
+                                ? "instruction -1 means none: " + name + " can hold no command"
+                                : name + " has no \"instruction\": it can hold no command");
+        return;
+    }
+    const auto first = m_moduleCodes.emplace(mod.info.s32Instruct, &m_modules.at(mod.info.strName));
+    if (!first.second) {
+        const RecordedModule& other = first.first->second->block;
+        m_diagnostics.Error(m_modsPath, row,
+                            name + " has the instruction code " + Code(mod.info.s32Instruct) + " of module '" +
+                                other.info.strName + "' (" + Line(other.row) +
+                                "): their commands are filed together");
+    }
+}
+
+// A word shared by modules is judged at the end, when every module is known.
+void ConfRules::CheckModuleWord(const RecordedModule& mod)
+{
+    const std::string& word = mod.info.strCommand;
+    const std::string name = "module '" + mod.info.strName + "'";
+    const int row = mod.RowOf(ConfKey::kCommand);
+    if (word.empty()) {
+        m_diagnostics.Error(m_modsPath, row, name + " has no \"command\" word: it cannot be entered at the prompt");
+    } else if (IsConsoleWord(word)) {
+        m_diagnostics.Error(m_modsPath, row,
+                            "the word '" + word + "' of " + name +
+                                " is the console's own (help, ?, q, quit): the module cannot be entered");
+    } else {
+        const std::string untypable = UntypableByte(word);
+        if (!untypable.empty()) {
+            m_diagnostics.Error(m_modsPath, row,
+                                "the word '" + word + "' of " + name + " holds " + untypable +
+                                    ": the module cannot be entered");
+        }
+    }
+}
+
+void ConfRules::Command(const RecordedCommand& cmd)
+{
+    CheckFormats(m_cmdsPath, cmd, m_diagnostics);
+    if (CheckDropped(cmd)) {
+        return;
+    }
+    KeptModule& mod = m_modules.at(cmd.info.strBelongMod);
+    mod.holdsCommand = true;
+    const KeptCommand& kept = m_commands
+                                  .emplace(std::make_pair(mod.block.info.s32Instruct, cmd.info.strCommand),
+                                           KeptCommand{cmd.row, Named(cmd), cmd.info.strBelongMod})
+                                  .first->second;
+    CheckCommandWord(cmd);
+    CheckCommandCode(cmd, kept);
+}
+
+bool ConfRules::CheckDropped(const RecordedCommand& cmd)
 {
     const std::string& belong = cmd.info.strBelongMod;
     const int belongRow = cmd.RowOf(ConfKey::kBelongModule);
@@ -148,33 +158,32 @@ bool CheckDropped(const std::string& path, const RecordedCommand& cmd, const Mod
             return false;
         case ZoFileParse::Entry::kUnknownModule: {
             if (!cmd.Has(ConfKey::kBelongModule)) {
-                diagnostics.Error(path, cmd.row, Named(cmd) + " has no \"belong module\": it is dropped");
+                m_diagnostics.Error(m_cmdsPath, cmd.row, Named(cmd) + " has no \"belong module\": it is dropped");
                 break;
             }
             std::string hint;
-            for (const auto& mod : modules.byName) {
-                if (mod.second->info.strCommand == belong) {
-                    hint = " ('" + belong + "' is the word of module '" + mod.first +
-                           "'; \"belong module\" takes the module's name)";
-                }
+            const auto word = m_moduleWords.find(belong);
+            if (word != m_moduleWords.end()) {
+                hint = " ('" + belong + "' is the word of module '" + word->second.front()->block.info.strName +
+                       "'; \"belong module\" takes the module's name)";
             }
-            diagnostics.Error(path, belongRow,
-                              "no module '" + belong + "' in mods.conf: " + Named(cmd) + " is dropped" + hint);
+            m_diagnostics.Error(m_cmdsPath, belongRow,
+                                "no module '" + belong + "' in mods.conf: " + Named(cmd) + " is dropped" + hint);
             break;
         }
         case ZoFileParse::Entry::kModuleWithoutInstruction:
-            diagnostics.Error(path, belongRow,
-                              "module '" + belong + "' has no instruction code: " + Named(cmd) + " is dropped");
+            m_diagnostics.Error(m_cmdsPath, belongRow,
+                                "module '" + belong + "' has no instruction code: " + Named(cmd) + " is dropped");
             break;
         default: {  // kDuplicateCommand, the one outcome left for a command
-            const int32_t code = modules.byName.at(belong)->info.s32Instruct;
-            const RecordedCommand& first = *byWord.at({code, cmd.info.strCommand});
+            const int32_t code = m_modules.at(belong).block.info.s32Instruct;
+            const KeptCommand& first = m_commands.at({code, cmd.info.strCommand});
             std::string shared;
-            if (first.info.strBelongMod != belong) {
-                shared = " by module '" + first.info.strBelongMod + "', which shares the code " + Code(code);
+            if (first.belong != belong) {
+                shared = " by module '" + first.belong + "', which shares the code " + Code(code);
             }
-            diagnostics.Error(
-                path, cmd.row,
+            m_diagnostics.Error(
+                m_cmdsPath, cmd.row,
                 Named(cmd) + " is already defined at " + Line(first.row) + shared + ": this block is ignored");
             break;
         }
@@ -182,102 +191,89 @@ bool CheckDropped(const std::string& path, const RecordedCommand& cmd, const Mod
     return true;
 }
 
-void CheckCommandWord(const std::string& path, const RecordedCommand& cmd, const Modules& modules,
-                      ConfDiagnostics& diagnostics)
+void ConfRules::CheckCommandWord(const RecordedCommand& cmd)
 {
     const std::string& word = cmd.info.strCommand;
     const int row = cmd.RowOf(ConfKey::kCommand);
     if (word.empty()) {
-        diagnostics.Error(path, row, Named(cmd) + " has no \"command\" word: it cannot be typed");
+        m_diagnostics.Error(m_cmdsPath, row, Named(cmd) + " has no \"command\" word: it cannot be typed");
         return;
     }
     if (word.find_first_of(" \t\v\f\r\n") != std::string::npos) {
-        diagnostics.Error(path, row, "the command word '" + word + "' holds white space: it cannot be typed");
+        m_diagnostics.Error(m_cmdsPath, row, "the command word '" + word + "' holds white space: it cannot be typed");
         return;
     }
     const std::string untypable = UntypableByte(word);
     if (!untypable.empty()) {
-        diagnostics.Error(path, row, "the command word '" + word + "' holds " + untypable + ": it cannot be typed");
+        m_diagnostics.Error(m_cmdsPath, row,
+                            "the command word '" + word + "' holds " + untypable + ": it cannot be typed");
         return;
     }
     if (IsConsoleWord(word)) {
-        diagnostics.Warning(path, row,
-                            "the command word '" + word +
-                                "' is the console's own (help, ?, q, quit): typed alone it does not run the command");
+        m_diagnostics.Warning(m_cmdsPath, row,
+                              "the command word '" + word +
+                                  "' is the console's own (help, ?, q, quit): typed alone it does not run the command");
     }
-    for (const auto& mod : modules.byName) {
-        if (mod.second->info.strCommand == word) {
-            diagnostics.Warning(path, row,
-                                "the command word '" + word + "' is also the word of module '" + mod.first +
-                                    "': typed alone it enters that module");
-        }
+    const auto modules = m_moduleWords.find(word);
+    if (modules == m_moduleWords.end()) {
+        return;
+    }
+    for (const KeptModule* mod : modules->second) {
+        m_diagnostics.Warning(m_cmdsPath, row,
+                              "the command word '" + word + "' is also the word of module '" +
+                                  mod->block.info.strName + "': typed alone it enters that module");
     }
 }
 
 // The request carries only the command's own code, so the service tells
 // commands apart by it alone.
-void CheckCommandCode(const std::string& path, const RecordedCommand& cmd,
-                      std::map<int32_t, const RecordedCommand*>& byCode, ConfDiagnostics& diagnostics)
+void ConfRules::CheckCommandCode(const RecordedCommand& cmd, const KeptCommand& kept)
 {
     const int32_t code = cmd.info.s32Instruct;
     const int row = cmd.RowOf(ConfKey::kInstruction);
     if (code == -1) {
-        diagnostics.Error(path, row,
-                          (cmd.Has(ConfKey::kInstruction) ? "instruction -1 means none: "
-                                                          : Named(cmd) + " has no \"instruction\": ") +
-                              std::string("the console sends the code -1"));
+        m_diagnostics.Error(m_cmdsPath, row,
+                            (cmd.Has(ConfKey::kInstruction) ? "instruction -1 means none: "
+                                                            : Named(cmd) + " has no \"instruction\": ") +
+                                std::string("the console sends the code -1"));
         return;
     }
-    const auto first = byCode.emplace(code, &cmd);
-    if (first.second) {
-        return;
-    }
-    const RecordedCommand& other = *first.first->second;
-    const std::string text = "the instruction code " + Code(code) + " of " + Named(cmd) + " is also the code of " +
-                             Named(other) + " (" + Line(other.row) + ")";
-    if (other.info.strBelongMod == cmd.info.strBelongMod) {
-        diagnostics.Error(path, row, text + " in the same module");
-    } else {
-        diagnostics.Warning(
-            path, row,
-            text + " of module '" + other.info.strBelongMod + "': the service receives the same code for both");
+    // Within one module an error, even when another module had the code first.
+    const auto inModule = m_moduleCommandCodes.emplace(std::make_pair(code, kept.belong), &kept);
+    const auto anywhere = m_commandCodes.emplace(code, &kept);
+    const KeptCommand& other = *(inModule.second ? anywhere.first->second : inModule.first->second);
+    const std::string text = "the instruction code " + Code(code) + " of " + kept.named + " is also the code of " +
+                             other.named + " (" + Line(other.row) + ")";
+    if (!inModule.second) {
+        m_diagnostics.Error(m_cmdsPath, row, text + " in the same module");
+    } else if (!anywhere.second) {
+        m_diagnostics.Warning(
+            m_cmdsPath, row,
+            text + " of module '" + other.belong + "': the service receives the same code for both");
     }
 }
 
-void CheckCommands(const ConfRecorder& recorder, Modules& modules, ConfDiagnostics& diagnostics)
+void ConfRules::Finish()
 {
-    const std::string& path = recorder.CmdsPath();
-    std::map<std::pair<int32_t, std::string>, const RecordedCommand*> byWord;
-    std::map<int32_t, const RecordedCommand*> byCode;
-    for (const RecordedCommand& cmd : recorder.Commands()) {
-        CheckFormats(path, cmd, diagnostics);
-        if (CheckDropped(path, cmd, modules, byWord, diagnostics)) {
-            continue;
+    // The console tries the module words in the order of the module names.
+    for (const auto& word : m_moduleWords) {
+        const std::vector<const KeptModule*>& sharing = word.second;
+        if (sharing.size() < 2 || IsConsoleWord(word.first) || !UntypableByte(word.first).empty()) {
+            continue;  // such a word is reported with each module
         }
-        const std::string& belong = cmd.info.strBelongMod;
-        byWord.emplace(std::make_pair(modules.byName.at(belong)->info.s32Instruct, cmd.info.strCommand), &cmd);
-        modules.withCommands.insert(belong);
-        CheckCommandWord(path, cmd, modules, diagnostics);
-        CheckCommandCode(path, cmd, byCode, diagnostics);
-    }
-}
-
-}  // namespace
-
-void CheckCatalogue(const ConfRecorder& recorder, ConfDiagnostics& diagnostics)
-{
-    Modules modules;
-    CheckModules(recorder, modules, diagnostics);
-    CheckCommands(recorder, modules, diagnostics);
-    for (const std::string* path : {&recorder.ModsPath(), &recorder.CmdsPath()}) {
-        if (recorder.HoldsNoBlock(*path)) {
-            diagnostics.Error(*path, 1,
-                              "the file holds no block (no \"[title]\" row): the console loads nothing from it");
+        const RecordedModule& winner = sharing.front()->block;
+        for (auto mod = sharing.begin() + 1; mod != sharing.end(); ++mod) {
+            const RecordedModule& loser = (*mod)->block;
+            m_diagnostics.Error(m_modsPath, loser.RowOf(ConfKey::kCommand),
+                                "the word '" + word.first + "' of module '" + loser.info.strName +
+                                    "' is also the word of module '" + winner.info.strName + "' (" +
+                                    Line(winner.row) + "), whose name sorts first: typing it enters module '" +
+                                    winner.info.strName + "'");
         }
     }
-    for (const auto& mod : modules.byName) {
-        if (mod.second->info.s32Instruct != -1 && modules.withCommands.count(mod.first) == 0) {
-            diagnostics.Warning(recorder.ModsPath(), mod.second->row, "module '" + mod.first + "' holds no command");
+    for (const auto& mod : m_modules) {
+        if (mod.second.block.info.s32Instruct != -1 && !mod.second.holdsCommand && !mod.first.empty()) {
+            m_diagnostics.Warning(m_modsPath, mod.second.block.row, "module '" + mod.first + "' holds no command");
         }
     }
 }

@@ -1,12 +1,8 @@
 // zo_conf_check DIR [--quiet]: checks "mods.conf" and "cmds.conf" in DIR
-// before they reach a TV.
+// before they reach a TV (kUsage below tells the user).
 //
 // The files are read by the console's own catalogue, watched row by row, so
-// the report describes exactly what the console would make of them. Each
-// problem is printed as "FILE:LINE: error|warning: text", sorted by file and
-// line, followed by the count ("2 errors, 1 warning"); --quiet prints the
-// count alone. Exit status: 0 without errors (warnings allowed), 1 with
-// errors, 2 when a file cannot be read or the arguments are wrong.
+// the report describes exactly what the console would make of them.
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -26,6 +22,38 @@ namespace
 
 constexpr int kExitErrors = 1;
 constexpr int kExitCannotRun = 2;
+
+// A printf format: the number of problems printed.
+const char kUsage[] =
+    "usage: zo_conf_check DIR [--quiet]\n"
+    "\n"
+    "Checks DIR/mods.conf and DIR/cmds.conf, the console's catalogue, with the\n"
+    "console's own reader. Each problem is printed as FILE:LINE: error: text or\n"
+    "FILE:LINE: warning: text, sorted by file and line, then the count\n"
+    "(\"2 errors, 1 warning\"). An error: the console will drop or ignore something\n"
+    "the files say, or do something other than they say. A warning: the console does\n"
+    "what they say, but it looks like a slip. Bytes outside printable ASCII are\n"
+    "shown as \\xHH, a backslash as \\\\. Only the first %u problems are printed,\n"
+    "then how many more there are.\n"
+    "\n"
+    "options:\n"
+    "  --quiet  print the count alone\n"
+    "  --help   print this text\n"
+    "\n"
+    "Exit status: 0 without errors (warnings allowed), 1 with errors, 2 when a file\n"
+    "cannot be read or the arguments are wrong.\n";
+
+void PrintUsage(FILE* out)
+{
+    fprintf(out, kUsage, static_cast<unsigned>(ConfDiagnostics::kDefaultShown));
+}
+
+int UsageError(const std::string& reason)
+{
+    fprintf(stderr, "zo_conf_check: %s\n", reason.c_str());
+    PrintUsage(stderr);
+    return kExitCannotRun;
+}
 
 // Sends standard output to /dev/null while alive: the catalogue prints its
 // own messages as it reads, and the report tells of the same problems.
@@ -84,21 +112,31 @@ int main(int argc, char** argv)
 {
     std::string dir;
     bool quiet = false;
-    int dirs = 0;
+    bool help = false;
+    std::string error;
     for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--quiet") == 0) {
+        const std::string arg = argv[i];
+        if (arg == "--quiet") {
             quiet = true;
-        } else if (argv[i][0] == '-' && argv[i][1] != '\0') {
-            dirs = -1;
-            break;
+        } else if (arg == "--help" || arg == "-h") {
+            help = true;
+        } else if (arg.size() > 1 && arg[0] == '-') {
+            error = error.empty() ? "unknown option " + arg : error;
+        } else if (dir.empty() && !arg.empty()) {
+            dir = arg;
         } else {
-            dir = argv[i];
-            ++dirs;
+            error = error.empty() ? "unexpected argument '" + arg + "'" : error;
         }
     }
-    if (dirs != 1) {
-        fprintf(stderr, "usage: zo_conf_check DIR [--quiet]\n");
-        return kExitCannotRun;
+    if (help) {
+        PrintUsage(stdout);
+        return 0;
+    }
+    if (error.empty() && dir.empty()) {
+        error = "missing DIR";
+    }
+    if (!error.empty()) {
+        return UsageError(error);
     }
 
     // The console appends "/mods.conf" to its directory; the report names the
@@ -111,15 +149,16 @@ int main(int argc, char** argv)
         return kExitCannotRun;
     }
 
-    ConfDiagnostics diagnostics;
-    ConfRecorder recorder(modsPath, cmdsPath, diagnostics);
+    ConfDiagnostics diagnostics(quiet ? 0 : ConfDiagnostics::kDefaultShown);
+    ConfRules rules(modsPath, cmdsPath, diagnostics);
+    ConfRecorder recorder(modsPath, cmdsPath, diagnostics, rules);
     ZoFileParse catalogue;
     catalogue.SetObserver(&recorder);
     {
         StdoutSilenced silenced;
         catalogue.Init(dir);
     }
-    CheckCatalogue(recorder, diagnostics);
+    recorder.Finish();
 
     if (!quiet) {
         diagnostics.Print(stdout);

@@ -1,4 +1,5 @@
 // zo_conf_check run as a program: each catalogue and the diagnostics it gets.
+#include <algorithm>
 #include <sstream>
 
 #include <fcntl.h>
@@ -51,7 +52,7 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
         {ReadFile(ZO_EXAMPLES_DIR "/mods.conf"), ReadFile(ZO_EXAMPLES_DIR "/cmds.conf"),
          {"cmds.conf:37: warning: \"para format\" 'dS': the letter S is not supported", "0 errors, 1 warning"}},
         // Rows the reader passes over or cuts.
-        {"instruction = 0x5\n" + kMod + "# keys end here\ndescription = d\n",
+        {"instruction = 0x5\n" + kMod + "# keys end here\ndescription = d\n[" + std::string(5000, 'T') + "]\n",
          "[c]\ncommand = c\nbelong module = M\nprint tags = a\nprint tags = b\nInstruction = 0x11\ninstruction = 0x11\n"
          "[d]\ncommand = d\n \nbelong module = M\n[e]\ncommand = e\nbelong module = M\ninstruction = zz\n"
          "description = " + std::string(255, 'x') + "\n[" + std::string(260, 'T') + "]\n" +
@@ -67,39 +68,48 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
           "cmds.conf:20: error: the text before \"=\" is 256 characters long (at most 255)",
           "mods.conf:1: error: \"instruction\" row outside a block is ignored (there is no block title above it)",
           "mods.conf:5: error: this row is no key row and ends", "mods.conf:6: error: \"description\" row outside",
-          "15 errors, 2 warnings"}},
+          "mods.conf:7: error: block title of 4096 characters or more is too long", "16 errors, 2 warnings"}},
         // Blocks the catalogue drops, and why.
-        {kMod + Mod("M", "other", "0x30") + Mod("Shared", "s", "0x10") + "[Mute]\ncommand = mute\n",
+        {kMod + Mod("M", "other", "0x30") + Mod("Shared", "s", "0x10") + "[Mute]\ncommand = mute\n" +
+             Mod("", "e", "0x"),
          kCmd + "[c2]\ncommand = c\nbelong module = Shared\ninstruction = 0x12\n" + Cmd("w", "m", "0x13") +
              Cmd("x", "Mute", "0x14"),
          {"cmds.conf:5: error: command 'c' is already defined at line 1 by module 'M', which shares the code 0x10",
           "cmds.conf:11: error: no module 'm' in mods.conf: command 'w' is dropped ('m' is the word of module 'M'",
           "cmds.conf:15: error: module 'Mute' has no instruction code", "mods.conf:4: error: module 'M' is already",
           "mods.conf:7: warning: module 'Shared' holds no", "mods.conf:9: error: module 'Shared' has the instruction",
-          "mods.conf:10: error: module 'Mute' has no \"instruction\"", "6 errors, 1 warning"}},
+          "mods.conf:10: error: module 'Mute' has no \"instruction\"",
+          "mods.conf:12: error: the block title '[]' gives the module an empty name, which the console takes for",
+          "mods.conf:14: error: instruction '0x' is no hexadecimal number: the console takes 0",
+          "8 errors, 1 warning"}},
         // Words and codes that collide.
-        {kMod + Mod("N", "m", "0x20") + Mod("Q", "Quit", "0x30"),
+        {kMod + Mod("N", "m", "0x20") + Mod("Q", "Quit", "0x30") + Mod("A", "m", "0x40"),
          kCmd + Cmd("d", "M", "0x11") + Cmd("e", "N", "0x11") + "[f]\ncommand = m\nbelong module = N\n" +
-             Cmd("g h", "Q", "0x31"),
+             Cmd("g h", "Q", "0x-11") + Cmd("e2", "N", "0x11"),
          {"cmds.conf:8: error: the instruction code 0x11 of command 'd' is also the code of command 'c' (line 1) in",
           "cmds.conf:12: warning: the instruction code 0x11 of command 'e' is also the code of command 'c' (line 1) of",
           "cmds.conf:13: error: command 'm' has no \"instruction\"",
+          "cmds.conf:14: warning: the command word 'm' is also the word of module 'A'",
           "cmds.conf:14: warning: the command word 'm' is also the word of module 'M'",
           "cmds.conf:14: warning: the command word 'm' is also the word of module 'N'",
-          "cmds.conf:17: error: the command word 'g h' holds white",
-          "mods.conf:5: error: the word 'm' of module 'N' is also the word of module 'M' (line 1): typing it enters "
-          "module 'M'", "mods.conf:8: error: the word 'Quit' of module 'Q'", "5 errors, 3 warnings"}},
+          "cmds.conf:17: error: the command word 'g h' holds white", "cmds.conf:19: error: instruction '0x-11' is no",
+          "cmds.conf:23: error: the instruction code 0x11 of command 'e2' is also the code of command 'e' (line 9) in",
+          "mods.conf:2: error: the word 'm' of module 'M' is also the word of module 'A' (line 10), whose name sorts "
+          "first: typing it enters module 'A'", "mods.conf:5: error: the word 'm' of module 'N' is also the word of "
+          "module 'A'", "mods.conf:8: error: the word 'Quit' of module 'Q'", "mods.conf:10: warning: module 'A' holds",
+          "8 errors, 5 warnings"}},
         // Words holding a byte the prompt takes as a key; DEL is typed as it is. Files with no block.
         {kMod + Mod("N", "setBA", "0x20"),
          Cmd("getCfg", "M", "0x11") + Cmd("e\x7f", "M", "0x12") + Cmd("x\x1b", "M", "0x13") + Cmd("y\x03", "N", "0x21"),
          {"cmds.conf:2: error: the command word 'getCfg' holds 'C', which the line editor drops: it cannot be typed",
-          "cmds.conf:10: error: the command word 'x\x1b' holds 0x1b, which the line editor drops",
-          "cmds.conf:14: error: the command word 'y\x03' holds 0x03, which the terminal turns into SIGINT",
+          "cmds.conf:10: error: the command word 'x\\x1b' holds '\\x1b', which the line editor drops",
+          "cmds.conf:14: error: the command word 'y\\x03' holds '\\x03', which the terminal turns into SIGINT",
           "mods.conf:5: error: the word 'setBA' of module 'N' holds 'B', which recalls the next line of the history: "
           "the module cannot be entered", "4 errors, 0 warnings"}},
-        {"# no block\n\n", "\ncommand = c\n",
+        {std::string("# no block\n\na") + '\0' + "b\\ = 1\n", "\ncommand = c\n",
          {"cmds.conf:1: error: the file holds no block (no \"[title]\" row): the console loads nothing from it",
-          "cmds.conf:2: error: \"command\" row outside", "mods.conf:1: error: the file holds no block", "3 errors"}},
+          "cmds.conf:2: error: \"command\" row outside", "mods.conf:1: error: the file holds no block",
+          "mods.conf:3: warning: 'a\\x00b\\\\' is no key of mods.conf", "3 errors, 1 warning"}},
         // Format letters and print tags.
         {kMod,
          Cmd("a", "M", "1", "para format = d d\nprint format = dS\nprint tags = x,y\n") +
@@ -128,13 +138,27 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
     }
 }
 
-TEST(ZoConfCheck, QuietAndUnreadable)
+TEST(ZoConfCheck, QuietLimitedUnreadableAndUsage)
 {
     TempDir dir;
     dir.Write("mods.conf", "");
     dir.Write("cmds.conf", kCmd);
     EXPECT_EQ(1, Check(dir, {"--quiet", dir.Path() + "/"}));
     EXPECT_EQ("2 errors, 0 warnings\n", ReadFile(dir.File("out")));  // the empty file, and a command without module
+    // The first 100 in printing order, the one of cmds.conf found last included; the others counted.
+    std::string rows;
+    for (int i = 0; i < 150; ++i) {
+        rows += "a=b\n";  // no key, outside a block: a warning each
+    }
+    dir.Write("mods.conf", rows + kMod);
+    dir.Write("cmds.conf", "[c]\n");
+    EXPECT_EQ(1, Check(dir, {dir.Path()}));
+    const std::string report = ReadFile(dir.File("out"));
+    const std::string end = "\n52 more diagnostics not shown (only the first 100 are printed)\n1 error, 151 warnings\n";
+    EXPECT_EQ(0u, report.find(dir.File("cmds.conf:1: error")));
+    EXPECT_NE(std::string::npos, report.find(dir.File("mods.conf:99: warning")));
+    EXPECT_EQ(report.size() - end.size(), report.find(end));
+    EXPECT_EQ(102, std::count(report.begin(), report.end(), '\n'));
     EXPECT_EQ(2, Check(dir, {dir.File("none")}));
     EXPECT_EQ("zo_conf_check: cannot read " + dir.File("none/mods.conf") + ": No such file or directory\n" +
                   "zo_conf_check: cannot read " + dir.File("none/cmds.conf") + ": No such file or directory\n",
@@ -143,7 +167,14 @@ TEST(ZoConfCheck, QuietAndUnreadable)
     mkfifo(dir.File("mods.conf").c_str(), 0600);  // opening it would wait for a writer for ever
     EXPECT_EQ(2, Check(dir, {dir.Path()}));
     EXPECT_EQ("zo_conf_check: cannot read " + dir.File("mods.conf") + ": not a regular file\n", ReadFile(dir.File("err")));
-    EXPECT_EQ(2, Check(dir, {}));
-    EXPECT_EQ(2, Check(dir, {dir.Path(), "--loud"}));
-    EXPECT_EQ("usage: zo_conf_check DIR [--quiet]\n", ReadFile(dir.File("err")));
+    EXPECT_EQ(0, Check(dir, {dir.Path(), "--help"}));
+    EXPECT_EQ(0u, ReadFile(dir.File("out")).find("usage: zo_conf_check DIR [--quiet]\n"));
+    EXPECT_EQ("", ReadFile(dir.File("err")));
+    for (const auto& usage : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{}, "missing DIR"},
+             {{dir.Path(), "--loud"}, "unknown option --loud"},
+             {{"a", "b"}, "unexpected argument 'b'"}}) {
+        EXPECT_EQ(2, Check(dir, usage.first));
+        EXPECT_EQ(0u, ReadFile(dir.File("err")).find("zo_conf_check: " + usage.second + "\nusage: zo_conf_check DIR"));
+    }
 }
