@@ -17,11 +17,14 @@ endif()
 
 # --help: usage on standard output, status 0; the console takes no options:
 # a missing directory is a usage error, status 2, usage on standard error.
-foreach(run "zo_service_sim;--help;0;usage" "zo_conf_check;--help;0;usage" "zo_cmd_debug_host;;2;")
+# Each run: program, argument ("none" for none), status, start of standard output ("none" for nothing).
+foreach(run "zo_service_sim;--help;0;usage" "zo_conf_check;--help;0;usage" "zo_cmd_debug_host;none;2;none")
   list(GET run 0 program)
   list(GET run 1 arg)
   list(GET run 2 want)
   list(GET run 3 out_word)
+  string(REGEX REPLACE "^none$" "" arg ${arg})
+  string(REGEX REPLACE "^none$" "" out_word ${out_word})
   execute_process(COMMAND ${PREFIX}/bin/${program} ${arg}
     RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
   if(NOT status STREQUAL want OR NOT out MATCHES "^${out_word}" OR (want EQUAL 2 AND NOT err MATCHES "^usage: "))

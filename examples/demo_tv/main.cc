@@ -8,11 +8,10 @@
 #include <vector>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "tv_service.h"
 #include "tv_state.h"
-#include "zo_file_parse.h"
+#include "zo_file_parse_quiet_load.h"
 #include "zo_shm_service.h"
 
 namespace {
@@ -46,23 +45,6 @@ int UsageError(const std::string& error)
     return 2;
 }
 
-// The catalogue reports on standard output, which belongs to the request
-// lines here: its messages go to standard error instead.
-void LoadCatalogue(ZoFileParse& catalogue, const std::string& dir)
-{
-    std::fflush(stdout);
-    const int saved = dup(STDOUT_FILENO);
-    if (saved >= 0) {
-        dup2(STDERR_FILENO, STDOUT_FILENO);
-    }
-    catalogue.Init(dir);
-    std::fflush(stdout);
-    if (saved >= 0) {
-        dup2(saved, STDOUT_FILENO);
-        close(saved);
-    }
-}
-
 }  // namespace
 
 int main(int argc, char* argv[])
@@ -82,7 +64,7 @@ int main(int argc, char* argv[])
     }
 
     ZoFileParse catalogue;
-    LoadCatalogue(catalogue, dir);
+    LoadCatalogueReportingToStderr(catalogue, dir);
     ZoShmService service;
     TvService tvService(tv, stdout);
     std::vector<std::string> warnings;

@@ -6,14 +6,13 @@
 #include <vector>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "command_index.h"
 #include "replies_file.h"
 #include "service_sim.h"
 #include "page_guard.h"
 #include "sim_options.h"
-#include "zo_file_parse.h"
+#include "zo_file_parse_quiet_load.h"
 #include "zo_shm_service.h"
 
 namespace {
@@ -29,23 +28,6 @@ int UsageError(const std::string& error)
 {
     std::fprintf(stderr, "zo_service_sim: %s\n%s", error.c_str(), SimUsage());
     return 2;
-}
-
-// The catalogue reports on standard output; here that belongs to the request
-// lines, so its messages are sent to standard error instead.
-void LoadCatalogue(ZoFileParse& catalogue, const std::string& dir)
-{
-    std::fflush(stdout);
-    const int saved = dup(STDOUT_FILENO);
-    if (saved >= 0) {
-        dup2(STDERR_FILENO, STDOUT_FILENO);
-    }
-    catalogue.Init(dir);
-    std::fflush(stdout);
-    if (saved >= 0) {
-        dup2(saved, STDOUT_FILENO);
-        close(saved);
-    }
 }
 
 }  // namespace
@@ -67,7 +49,7 @@ int main(int argc, char* argv[])
     }
 
     ZoFileParse catalogue;
-    LoadCatalogue(catalogue, opts.dir);
+    LoadCatalogueReportingToStderr(catalogue, opts.dir);
     if (catalogue.GetIOExceptionStatus() != 0) {
         std::fprintf(stderr, "zo_service_sim: the catalogue in %s did not load fully; going on with what it has\n",
                      opts.dir.c_str());

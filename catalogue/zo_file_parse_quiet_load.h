@@ -1,0 +1,30 @@
+// Loading the catalogue in a program whose standard output carries something
+// else (the simulator's and the demo TV's request lines): the catalogue's own
+// messages, which it prints on standard output, go to standard error while it
+// loads. Host programs only; the console prints them where they are.
+#ifndef ZO_CATALOGUE_ZO_FILE_PARSE_QUIET_LOAD_H
+#define ZO_CATALOGUE_ZO_FILE_PARSE_QUIET_LOAD_H
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <string>
+
+#include "zo_file_parse.h"
+
+inline void LoadCatalogueReportingToStderr(ZoFileParse& catalogue, const std::string& dir)
+{
+    std::fflush(stdout);
+    const int saved = dup(STDOUT_FILENO);
+    if (saved >= 0) {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+    }
+    catalogue.Init(dir);
+    std::fflush(stdout);
+    if (saved >= 0) {
+        dup2(saved, STDOUT_FILENO);
+        close(saved);
+    }
+}
+
+#endif  // ZO_CATALOGUE_ZO_FILE_PARSE_QUIET_LOAD_H
