@@ -95,9 +95,9 @@ public:
     int LoadConfig(const std::string& dir);
     // Maps the shared page, installs the signal handlers, starts the signal
     // thread and runs the prompt loop; restores the terminal and unmaps the
-    // page after a normal end. Ends the process with exit(1) when the page
-    // cannot be opened, mapped or unmapped, when the swap file is no regular
-    // file of at least a page, and when the signal thread cannot start.
+    // page after a normal end. Ends the process with exit(1) when the swap
+    // file cannot back the page (MapSwapFile),
+    // when the page cannot be unmapped, and when the signal thread cannot start.
     void Exec();
     // The prompt loop: 0 after "q"/"quit" at the top level or the end of input.
     int DoWork();

@@ -7,7 +7,9 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -39,8 +41,18 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         {"missing: created, refused, removed", [](const std::string&) {}, "swap file PAGE is 0" + tooShort, false},
         {"one byte short", [](const std::string& p) { std::ofstream(p) << std::string(4095, 'x'); },
          "swap file PAGE is 4095" + tooShort, true},
-        {"directory", [](const std::string& p) { mkdir(p.c_str(), 0700); },
-         "swap file PAGE is a directory" + notRegular, true},
+        {"dangling link: its target created, refused, removed", [](const std::string& p) {
+             (void)!symlink("made.tv", p.c_str());
+         }, "swap file PAGE is 0" + tooShort, true},
+        {"directory", [](const std::string& p) { mkdir(p.c_str(), 0700); }, "can't open swap file PAGE, errno = 21\r\n",
+         true},
+        {"socket", [](const std::string& p) {
+             struct sockaddr_un at = {AF_UNIX, {}};
+             p.copy(at.sun_path, sizeof at.sun_path - 1);
+             const int s = socket(AF_UNIX, SOCK_STREAM, 0);
+             (void)!bind(s, reinterpret_cast<sockaddr*>(&at), sizeof at);
+             close(s);
+         }, "can't open swap file PAGE, errno = 6\r\n", true},
         {"FIFO", [](const std::string& p) { mkfifo(p.c_str(), 0600); }, "swap file PAGE is a FIFO" + notRegular, true},
         {"device", [](const std::string& p) { (void)!symlink("/dev/null", p.c_str()); },
          "swap file PAGE is a character device" + notRegular, true},
@@ -77,6 +89,7 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         EXPECT_EQ(message, run.Pty().Screen());
         struct stat info;
         EXPECT_EQ(c.pageLeft, lstat(run.Dir().File(".tv").c_str(), &info) == 0);
+        EXPECT_NE(0, lstat(run.Dir().File("made.tv").c_str(), &info));  // the console removed what it created
     }
 }
 
