@@ -96,7 +96,7 @@ public:
     // Maps the shared page, installs the signal handlers, starts the signal
     // thread and runs the prompt loop; restores the terminal and unmaps the
     // page after a normal end. Ends the process with exit(1) when the swap
-    // file cannot back the page (MapSwapFile),
+    // file cannot back the page or another console uses it (MapSwapFile),
     // when the page cannot be unmapped, and when the signal thread cannot start.
     void Exec();
     // The prompt loop: 0 after "q"/"quit" at the top level or the end of input.

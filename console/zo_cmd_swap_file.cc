@@ -1,8 +1,9 @@
 // The swap file: opening it (creating it when missing), checking that it can
-// back the page and mapping its first page.
+// back the page, mapping its first page and claiming it for this console.
 #include "zo_cmd_swap_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -47,6 +48,44 @@ std::string CreationPath(std::string path)
     return path;
 }
 
+// One console per page: a second one would take the first one's replies. The
+// claim is a flock on a descriptor kept open for the process's life; it
+// belongs to that open file, so closing the mapping's descriptor keeps it, and
+// it goes with the process however that ends (the Ctrl-C kill included). A
+// POSIX record lock on the byte behind the page names the holder to the next
+// console: F_GETLK reports its process id, which flock does not; alone it
+// would not do, as any close of the file by this process drops it.
+struct flock HolderLock()
+{
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = static_cast<off_t>(SHM_SIZE);
+    lock.l_len = 1;
+    return lock;
+}
+
+// Ends the process when another console holds the claim. Where the file
+// system keeps no locks the console runs unclaimed.
+void ClaimOrExit(int claim)
+{
+    struct flock holder = HolderLock();
+    if (flock(claim, LOCK_EX | LOCK_NB) == 0) {
+        fcntl(claim, F_SETLK, &holder);  // only names this console; the claim holds without it
+        return;
+    }
+    if (errno != EWOULDBLOCK) {
+        return;
+    }
+    if (fcntl(claim, F_GETLK, &holder) == 0 && holder.l_type != F_UNLCK) {
+        printf("swap file %s is in use by another console (process %d)\n", g_strSwapFile.c_str(),
+               static_cast<int>(holder.l_pid));
+    } else {
+        printf("swap file %s is in use by another console\n", g_strSwapFile.c_str());
+    }
+    exit(1);
+}
+
 }  // namespace
 
 void* MapSwapFile()
@@ -82,10 +121,12 @@ void* MapSwapFile()
         }
     }
     void* page = mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    const int claim = fcntl(fd, F_DUPFD_CLOEXEC, 0);  // the same open file, kept for the claim
     close(fd);
     if (page == MAP_FAILED) {
         perror("map share memery failed!\n");
         exit(1);
     }
+    ClaimOrExit(claim);
     return page;
 }

@@ -117,6 +117,26 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
     }
 }
 
+// A second console on the page would take the first one's replies: it is refused while the first one lives, even
+// one killed by Ctrl-C's SIGKILL.
+TEST(ConsoleEnds, SecondConsoleOnThePageExits1WhileTheFirstLives)
+{
+    ConsoleRun first, second(false), third(false);
+    ASSERT_TRUE(first.StartSim());
+    ASSERT_EQ("", first.StartConsole());
+    ASSERT_TRUE(second.StartProgram({first.Dir().Path()}));
+    EXPECT_EQ("exit 1", second.Exit());
+    EXPECT_EQ("swap file " + first.Dir().File(".tv") + " is in use by another console (process " +
+                  std::to_string(first.Pty().Pid()) + ")\r\n",
+              second.Pty().Screen());
+    EXPECT_EQ("fmt\nFormats@", first.Type("fmt\n"));
+    EXPECT_NE(std::string::npos, first.Type("int 5\n").find("int:42")) << first.Pty().Screen();
+    ASSERT_EQ(0, kill(first.Pty().Pid(), SIGKILL));
+    EXPECT_EQ("signal 9, terminal raw", first.Exit());
+    ASSERT_TRUE(third.StartProgram({first.Dir().Path()}));
+    EXPECT_EQ("", third.Type(""));
+}
+
 // Ctrl-Z and Ctrl-C typed on the terminal: the terminal raises the signals, the console's own thread acts on them.
 TEST(ConsoleEnds, CtrlZStopsAndFgResumesCtrlCKillsWithSignal9AlsoDuringAWait)
 {
