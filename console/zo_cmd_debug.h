@@ -79,8 +79,9 @@ class ZoCmdDebug {
 public:
     // The one console object, created on first use; creating it puts the
     // terminal into the line editor's raw mode. From then on every exit of the
-    // process and the end signals (InstallEndHandlers) put the terminal back as
-    // the editor found it; only the Ctrl-C kill leaves it raw.
+    // process, the end signals (InstallEndHandlers) and an uncaught exception
+    // put the terminal back as the editor found it; only the Ctrl-C kill
+    // leaves it raw.
     static ZoCmdDebug* GetInstance();
 
     // Fields at their defaults; reads nothing and starts nothing.

@@ -17,6 +17,12 @@
 
 namespace {
 
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
 TEST(ConsoleEnds, MissingOrExtraArgumentPrintsUsageAndExits2)
 {
     for (const std::vector<std::string>& args : {std::vector<std::string>{}, std::vector<std::string>{"a", "b"}}) {
@@ -29,6 +35,8 @@ TEST(ConsoleEnds, MissingOrExtraArgumentPrintsUsageAndExits2)
 
 TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
 {
+    const struct rlimit noCore = {0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);  // for the abort
     const std::string tooShort = " bytes long, it needs at least 4096 bytes: start the service first\r\n";
     const std::string notRegular = ", not a regular file\r\n";
     struct Case {
@@ -36,6 +44,9 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         void (*setup)(const std::string& page);
         std::string message;  // PAGE stands for the swap file's path
         bool pageLeft;
+        int resource = -1;  // a limit the console starts with
+        rlim_t limit = 0;
+        std::string end = "exit 1";
     };
     const Case cases[] = {
         {"missing: created, refused, removed", [](const std::string&) {}, "swap file PAGE is 0" + tooShort, false},
@@ -59,29 +70,40 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         {"not openable", [](const std::string& p) { (void)!symlink("gone/.tv", p.c_str()); },
          "can't open swap file PAGE, errno = 2\r\n", true},
         // Thread stacks as large as the address space: the signal thread cannot start.
-        {"no signal thread", nullptr, "can't start the signal thread: Resource temporarily unavailable\r\n", true},
+        {"no signal thread", nullptr, "can't start the signal thread: Resource temporarily unavailable\r\n", true,
+         RLIMIT_STACK, static_cast<rlim_t>(3) << (sizeof(void*) == 8 ? 46 : 30)},
+        // 100,000 commands need some 30 MB: std::bad_alloc, uncaught.
+        {"catalogue beyond the memory", [](const std::string& p) {
+             std::ofstream cmds(p.substr(0, p.size() - 3) + "cmds.conf");
+             for (int i = 0; i < 100000; ++i) {
+                 cmds << "[c" << i << "]\ncommand = c" << i << "\nbelong module = Tuner\ninstruction = " << i << "\n";
+             }
+         }, "terminate called after throwing an instance of 'std::bad_alloc'\r\n  what():  std::bad_alloc\r\n", true,
+         RLIMIT_AS, 24 << 20, "signal 6"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        if (c.setup == nullptr && std::getenv("ZO_TEST_EMULATOR") != nullptr) {
-            continue;  // the emulator keeps stack limits to itself, so the thread starts there
+        // The emulator keeps limits to itself; the sanitizers and valgrind need more address space than this.
+        if (c.resource >= 0 && (std::getenv("ZO_TEST_EMULATOR") != nullptr || (kSanitized && c.resource == RLIMIT_AS))) {
+            continue;
         }
         ConsoleRun run;
-        struct rlimit stack {};
-        getrlimit(RLIMIT_STACK, &stack);
-        struct rlimit huge = stack;
-        huge.rlim_cur = static_cast<rlim_t>(3) << (sizeof(void*) == 8 ? 46 : 30);  // beyond the address space
+        if (c.resource >= 0) {
+            run.WritePage();
+        }
         if (c.setup != nullptr) {
             c.setup(run.Dir().File(".tv"));
-        } else {
-            run.WritePage();
-            setrlimit(RLIMIT_STACK, &huge);
         }
+        const int resource = c.resource >= 0 ? c.resource : RLIMIT_STACK;
+        struct rlimit found {};
+        getrlimit(resource, &found);
+        const struct rlimit limited = {c.resource >= 0 ? c.limit : found.rlim_cur, found.rlim_max};
+        setrlimit(resource, &limited);
         const bool started = run.StartProgram({run.Dir().Path()});
-        setrlimit(RLIMIT_STACK, &stack);
+        setrlimit(resource, &found);
         ASSERT_TRUE(started);
 
-        EXPECT_EQ("exit 1", run.Exit());
+        EXPECT_EQ(c.end, run.Exit());
         std::string message = c.message;
         if (message.find("PAGE") != std::string::npos) {
             message.replace(message.find("PAGE"), 4, run.Dir().File(".tv"));
