@@ -121,20 +121,33 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
     setrlimit(RLIMIT_CORE, &noCore);  // SIGQUIT would leave a core file
     struct Case {
         int signo;
-        const char* keys;  // typed instead of sent when set
+        const char* keys;  // typed instead of sent when set, after it when the signal is ignored
         std::string end;
+        bool ignored = false;  // from the start, as under nohup
     };
     const Case cases[] = {
         {SIGTERM, nullptr, "signal 15"}, {SIGHUP, nullptr, "signal 1"}, {SIGQUIT, "\x1c", "signal 3"},
-        {SIGPIPE, nullptr, "signal 13"},
+        {SIGPIPE, nullptr, "signal 13"}, {SIGHUP, "q\n", "exit 0", true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.signo);
         ConsoleRun run;
         run.WritePage();
-        ASSERT_TRUE(run.StartProgram({run.Dir().Path()}));
+        PtySession::Options options;
+        options.hangUpIgnored = c.ignored;
+        ASSERT_TRUE(run.StartProgram({run.Dir().Path()}, options));
         ASSERT_TRUE(run.Pty().WaitFor("TV $")) << run.Pty().Screen();
-        ASSERT_TRUE(c.keys != nullptr ? run.Pty().Write(c.keys) : kill(run.Pty().Pid(), c.signo) == 0);
+        struct termios raw {}, now {};
+        run.Pty().GetAttr(&raw);
+        if (c.keys == nullptr || c.ignored) {
+            ASSERT_EQ(0, kill(run.Pty().Pid(), c.signo));
+        }
+        if (c.ignored) {  // still reading, in raw mode
+            EXPECT_EQ("\n", run.Type("\n"));
+            run.Pty().GetAttr(&now);
+            EXPECT_EQ(raw.c_lflag, now.c_lflag);
+        }
+        ASSERT_TRUE(c.keys == nullptr || run.Pty().Write(c.keys));
         EXPECT_EQ(c.end, run.Exit());
     }
 }
