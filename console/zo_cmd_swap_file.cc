@@ -23,7 +23,7 @@ namespace {
 // Ends the process when mode is a FIFO's or a device's: opening one could
 // block or act on the device, and neither can back the page. The kinds that
 // open itself refuses (a directory, a socket) are left to it and its errno.
-void RefuseBeforeOpen(mode_t mode)
+void RefuseFifoOrDevice(mode_t mode)
 {
     if (S_ISFIFO(mode) || S_ISCHR(mode) || S_ISBLK(mode)) {
         printf("swap file %s is %s, not a regular file\n", g_strSwapFile.c_str(), ShmNotRegular(mode));
@@ -54,7 +54,9 @@ std::string CreationPath(std::string path)
 // it goes with the process however that ends (the Ctrl-C kill included). A
 // POSIX record lock on the byte behind the page names the holder to the next
 // console: F_GETLK reports its process id, which flock does not; alone it
-// would not do, as any close of the file by this process drops it.
+// would not do, as any close of the file by this process drops it. (An open
+// file description's record lock, F_OFD_SETLK, would hold like flock, but it
+// reports no process id either and wants struct flock64 on the 32-bit device.)
 struct flock HolderLock()
 {
     struct flock lock {};
@@ -97,7 +99,7 @@ void* MapSwapFile()
 
     struct stat info;
     if (stat(path, &info) == 0) {
-        RefuseBeforeOpen(info.st_mode);
+        RefuseFifoOrDevice(info.st_mode);
     }
     const std::string creation = CreationPath(path);
     int fd = open(creation.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0660);
@@ -110,7 +112,7 @@ void* MapSwapFile()
         exit(1);
     }
     if (fstat(fd, &info) == 0) {
-        RefuseBeforeOpen(info.st_mode);  // replaced since the first look
+        RefuseFifoOrDevice(info.st_mode);  // replaced since the first look
         if (info.st_size < static_cast<off_t>(SHM_SIZE)) {
             printf("swap file %s is %lld bytes long, it needs at least %u bytes: start the service first\n",
                    g_strSwapFile.c_str(), static_cast<long long>(info.st_size), static_cast<unsigned int>(SHM_SIZE));
