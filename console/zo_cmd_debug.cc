@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 
 #include <cstdlib>
+#include <exception>
 
 #include "zo_shm_page.h"
 
@@ -17,6 +18,24 @@ const char* g_apCmdList[ZO_CMD_LIST_SIZE] = {};
 ZoCmdDebug* ZoCmdDebug::ms_pInstance = nullptr;
 
 void Release(const void* /*arg*/) {}
+
+namespace {
+
+std::terminate_handler g_previousTerminate = nullptr;
+
+// An exception that nothing catches (std::bad_alloc from a catalogue too big
+// for the memory) ends the process by abort, which runs no exit handler: the
+// terminal is put back first, then the usual report and abort follow.
+[[noreturn]] void RestoreTerminalThenTerminate()
+{
+    ZoStream::RestoreFoundTermios();
+    if (g_previousTerminate != nullptr) {
+        g_previousTerminate();
+    }
+    std::abort();
+}
+
+}  // namespace
 
 ZoCmdDebug::ZoCmdDebug()
     : m_bRunning(ZO_FALSE),
@@ -35,6 +54,7 @@ ZoCmdDebug* ZoCmdDebug::GetInstance()
         // which the process can end without putting it back.
         InstallEndHandlers();
         std::atexit(ZoStream::RestoreFoundTermios);
+        g_previousTerminate = std::set_terminate(RestoreTerminalThenTerminate);
         // Lives until the process ends: the signal thread may still reach it
         // while the process is being killed.
         ms_pInstance = new ZoCmdDebug();

@@ -79,8 +79,9 @@ class ZoCmdDebug {
 public:
     // The one console object, created on first use; creating it puts the
     // terminal into the line editor's raw mode. From then on every exit of the
-    // process and the end signals (InstallEndHandlers) put the terminal back as
-    // the editor found it; only the Ctrl-C kill leaves it raw.
+    // process, the end signals (InstallEndHandlers) and an uncaught exception
+    // put the terminal back as the editor found it; only the Ctrl-C kill
+    // leaves it raw.
     static ZoCmdDebug* GetInstance();
 
     // Fields at their defaults; reads nothing and starts nothing.
@@ -95,9 +96,9 @@ public:
     int LoadConfig(const std::string& dir);
     // Maps the shared page, installs the signal handlers, starts the signal
     // thread and runs the prompt loop; restores the terminal and unmaps the
-    // page after a normal end. Ends the process with exit(1) when the page
-    // cannot be opened, mapped or unmapped, when the swap file is no regular
-    // file of at least a page, and when the signal thread cannot start.
+    // page after a normal end. Ends the process with exit(1) when the swap
+    // file cannot back the page or another console uses it (MapSwapFile),
+    // when the page cannot be unmapped, and when the signal thread cannot start.
     void Exec();
     // The prompt loop: 0 after "q"/"quit" at the top level or the end of input.
     int DoWork();

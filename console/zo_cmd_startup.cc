@@ -3,20 +3,17 @@
 // completion candidates, reading and dispatching lines until the end.
 #include "zo_cmd_debug.h"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ios>
 #include <stdexcept>
 
+#include "zo_cmd_swap_file.h"
 #include "zo_shm_page.h"
 
 int ZoCmdDebug::LoadConfig(const std::string& dir)
@@ -32,68 +29,6 @@ int ZoCmdDebug::LoadConfig(const std::string& dir)
     m_arrModCmds = m_pFileParse->GetModCmds();
     return 0;
 }
-
-namespace {
-
-// Ends the process unless mode is a regular file's. Every exit of the console
-// puts the terminal back (GetInstance arranges it).
-void RefuseUnlessRegular(mode_t mode)
-{
-    if (const char* kind = ShmNotRegular(mode)) {
-        printf("swap file %s is %s, not a regular file\n", g_strSwapFile.c_str(), kind);
-        exit(1);
-    }
-}
-
-// Opens (creating it when missing) and maps the swap file; ends the process
-// when it cannot. Anything but a regular file is refused before it is opened:
-// a FIFO or a device must not be opened, and cannot back the page anyway. A
-// file shorter than the page cannot back it either: touching the missing part
-// would kill the console with SIGBUS, so it is refused here, and removed again
-// when the console created it, so that a service running as another user can
-// still create its own.
-void* MapSwapFile()
-{
-    char resolved[4096];
-    std::memset(resolved, 0, sizeof resolved);
-    // realpath refuses a file that does not exist yet; it is then created under its given name.
-    const char* path = realpath(g_strSwapFile.c_str(), resolved) != nullptr ? resolved : g_strSwapFile.c_str();
-
-    struct stat info;
-    if (stat(path, &info) == 0) {
-        RefuseUnlessRegular(info.st_mode);
-    }
-    // O_EXCL tells whether this open created the file.
-    int fd = open(path, O_RDWR | O_CREAT | O_EXCL, 0660);
-    const bool created = fd >= 0;
-    if (!created && errno == EEXIST) {
-        fd = open(path, O_RDWR | O_CREAT, 0660);
-    }
-    if (fd < 0) {
-        printf("can't open swap file %s, errno = %d\n", g_strSwapFile.c_str(), errno);
-        exit(1);
-    }
-    if (fstat(fd, &info) == 0) {
-        RefuseUnlessRegular(info.st_mode);  // replaced since the first look
-        if (info.st_size < static_cast<off_t>(SHM_SIZE)) {
-            printf("swap file %s is %lld bytes long, it needs at least %u bytes: start the service first\n",
-                   g_strSwapFile.c_str(), static_cast<long long>(info.st_size), static_cast<unsigned int>(SHM_SIZE));
-            if (created) {
-                unlink(path);
-            }
-            exit(1);
-        }
-    }
-    void* page = mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
-    close(fd);
-    if (page == MAP_FAILED) {
-        perror("map share memery failed!\n");
-        exit(1);
-    }
-    return page;
-}
-
-}  // namespace
 
 void ZoCmdDebug::Exec()
 {

@@ -7,13 +7,21 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
 
 namespace {
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
 
 TEST(ConsoleEnds, MissingOrExtraArgumentPrintsUsageAndExits2)
 {
@@ -27,6 +35,8 @@ TEST(ConsoleEnds, MissingOrExtraArgumentPrintsUsageAndExits2)
 
 TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
 {
+    const struct rlimit noCore = {0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);  // for the abort
     const std::string tooShort = " bytes long, it needs at least 4096 bytes: start the service first\r\n";
     const std::string notRegular = ", not a regular file\r\n";
     struct Case {
@@ -34,42 +44,66 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         void (*setup)(const std::string& page);
         std::string message;  // PAGE stands for the swap file's path
         bool pageLeft;
+        int resource = -1;  // a limit the console starts with
+        rlim_t limit = 0;
+        std::string end = "exit 1";
     };
     const Case cases[] = {
         {"missing: created, refused, removed", [](const std::string&) {}, "swap file PAGE is 0" + tooShort, false},
         {"one byte short", [](const std::string& p) { std::ofstream(p) << std::string(4095, 'x'); },
          "swap file PAGE is 4095" + tooShort, true},
-        {"directory", [](const std::string& p) { mkdir(p.c_str(), 0700); },
-         "swap file PAGE is a directory" + notRegular, true},
+        {"dangling link: its target created, refused, removed", [](const std::string& p) {
+             (void)!symlink("made.tv", p.c_str());
+         }, "swap file PAGE is 0" + tooShort, true},
+        {"directory", [](const std::string& p) { mkdir(p.c_str(), 0700); }, "can't open swap file PAGE, errno = 21\r\n",
+         true},
+        {"socket", [](const std::string& p) {
+             struct sockaddr_un at = {AF_UNIX, {}};
+             p.copy(at.sun_path, sizeof at.sun_path - 1);
+             const int s = socket(AF_UNIX, SOCK_STREAM, 0);
+             (void)!bind(s, reinterpret_cast<sockaddr*>(&at), sizeof at);
+             close(s);
+         }, "can't open swap file PAGE, errno = 6\r\n", true},
         {"FIFO", [](const std::string& p) { mkfifo(p.c_str(), 0600); }, "swap file PAGE is a FIFO" + notRegular, true},
         {"device", [](const std::string& p) { (void)!symlink("/dev/null", p.c_str()); },
          "swap file PAGE is a character device" + notRegular, true},
         {"not openable", [](const std::string& p) { (void)!symlink("gone/.tv", p.c_str()); },
          "can't open swap file PAGE, errno = 2\r\n", true},
         // Thread stacks as large as the address space: the signal thread cannot start.
-        {"no signal thread", nullptr, "can't start the signal thread: Resource temporarily unavailable\r\n", true},
+        {"no signal thread", nullptr, "can't start the signal thread: Resource temporarily unavailable\r\n", true,
+         RLIMIT_STACK, static_cast<rlim_t>(3) << (sizeof(void*) == 8 ? 46 : 30)},
+        // 100,000 commands need some 30 MB: std::bad_alloc, uncaught.
+        {"catalogue beyond the memory", [](const std::string& p) {
+             std::ofstream cmds(p.substr(0, p.size() - 3) + "cmds.conf");
+             for (int i = 0; i < 100000; ++i) {
+                 cmds << "[c" << i << "]\ncommand = c" << i << "\nbelong module = Tuner\ninstruction = " << i << "\n";
+             }
+         }, "terminate called after throwing an instance of 'std::bad_alloc'\r\n  what():  std::bad_alloc\r\n", true,
+         RLIMIT_AS, 24 << 20, "signal 6"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        if (c.setup == nullptr && std::getenv("ZO_TEST_EMULATOR") != nullptr) {
-            continue;  // the emulator keeps stack limits to itself, so the thread starts there
+        // The emulator keeps limits to itself; the sanitizers and valgrind need more address space than this.
+        if (c.resource >= 0 && (std::getenv("ZO_TEST_EMULATOR") != nullptr || (kSanitized && c.resource == RLIMIT_AS))) {
+            continue;
         }
         ConsoleRun run;
-        struct rlimit stack {};
-        getrlimit(RLIMIT_STACK, &stack);
-        struct rlimit huge = stack;
-        huge.rlim_cur = static_cast<rlim_t>(3) << (sizeof(void*) == 8 ? 46 : 30);  // beyond the address space
+        if (c.resource >= 0) {
+            run.WritePage();
+        }
         if (c.setup != nullptr) {
             c.setup(run.Dir().File(".tv"));
-        } else {
-            run.WritePage();
-            setrlimit(RLIMIT_STACK, &huge);
         }
+        const int resource = c.resource >= 0 ? c.resource : RLIMIT_STACK;
+        struct rlimit found {};
+        getrlimit(resource, &found);
+        const struct rlimit limited = {c.resource >= 0 ? c.limit : found.rlim_cur, found.rlim_max};
+        setrlimit(resource, &limited);
         const bool started = run.StartProgram({run.Dir().Path()});
-        setrlimit(RLIMIT_STACK, &stack);
+        setrlimit(resource, &found);
         ASSERT_TRUE(started);
 
-        EXPECT_EQ("exit 1", run.Exit());
+        EXPECT_EQ(c.end, run.Exit());
         std::string message = c.message;
         if (message.find("PAGE") != std::string::npos) {
             message.replace(message.find("PAGE"), 4, run.Dir().File(".tv"));
@@ -77,6 +111,7 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         EXPECT_EQ(message, run.Pty().Screen());
         struct stat info;
         EXPECT_EQ(c.pageLeft, lstat(run.Dir().File(".tv").c_str(), &info) == 0);
+        EXPECT_NE(0, lstat(run.Dir().File("made.tv").c_str(), &info));  // the console removed what it created
     }
 }
 
@@ -86,22 +121,55 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
     setrlimit(RLIMIT_CORE, &noCore);  // SIGQUIT would leave a core file
     struct Case {
         int signo;
-        const char* keys;  // typed instead of sent when set
+        const char* keys;  // typed instead of sent when set, after it when the signal is ignored
         std::string end;
+        bool ignored = false;  // from the start, as under nohup
     };
     const Case cases[] = {
         {SIGTERM, nullptr, "signal 15"}, {SIGHUP, nullptr, "signal 1"}, {SIGQUIT, "\x1c", "signal 3"},
-        {SIGPIPE, nullptr, "signal 13"},
+        {SIGPIPE, nullptr, "signal 13"}, {SIGHUP, "q\n", "exit 0", true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.signo);
         ConsoleRun run;
         run.WritePage();
-        ASSERT_TRUE(run.StartProgram({run.Dir().Path()}));
+        PtySession::Options options;
+        options.hangUpIgnored = c.ignored;
+        ASSERT_TRUE(run.StartProgram({run.Dir().Path()}, options));
         ASSERT_TRUE(run.Pty().WaitFor("TV $")) << run.Pty().Screen();
-        ASSERT_TRUE(c.keys != nullptr ? run.Pty().Write(c.keys) : kill(run.Pty().Pid(), c.signo) == 0);
+        struct termios raw {}, now {};
+        run.Pty().GetAttr(&raw);
+        if (c.keys == nullptr || c.ignored) {
+            ASSERT_EQ(0, kill(run.Pty().Pid(), c.signo));
+        }
+        if (c.ignored) {  // still reading, in raw mode
+            EXPECT_EQ("\n", run.Type("\n"));
+            run.Pty().GetAttr(&now);
+            EXPECT_EQ(raw.c_lflag, now.c_lflag);
+        }
+        ASSERT_TRUE(c.keys == nullptr || run.Pty().Write(c.keys));
         EXPECT_EQ(c.end, run.Exit());
     }
+}
+
+// A second console on the page would take the first one's replies: it is refused while the first one lives, even
+// one killed by Ctrl-C's SIGKILL.
+TEST(ConsoleEnds, SecondConsoleOnThePageExits1WhileTheFirstLives)
+{
+    ConsoleRun first, second(false), third(false);
+    ASSERT_TRUE(first.StartSim());
+    ASSERT_EQ("", first.StartConsole());
+    ASSERT_TRUE(second.StartProgram({first.Dir().Path()}));
+    EXPECT_EQ("exit 1", second.Exit());
+    EXPECT_EQ("swap file " + first.Dir().File(".tv") + " is in use by another console (process " +
+                  std::to_string(first.Pty().Pid()) + ")\r\n",
+              second.Pty().Screen());
+    EXPECT_EQ("fmt\nFormats@", first.Type("fmt\n"));
+    EXPECT_NE(std::string::npos, first.Type("int 5\n").find("int:42")) << first.Pty().Screen();
+    ASSERT_EQ(0, kill(first.Pty().Pid(), SIGKILL));
+    EXPECT_EQ("signal 9, terminal raw", first.Exit());
+    ASSERT_TRUE(third.StartProgram({first.Dir().Path()}));
+    EXPECT_EQ("", third.Type(""));
 }
 
 // Ctrl-Z and Ctrl-C typed on the terminal: the terminal raises the signals, the console's own thread acts on them.

@@ -41,7 +41,7 @@ bool PtySession::Start(const std::string& program, const std::vector<std::string
     if (m_pid == 0) {
         // As from an engineer's shell: whatever ran the tests (nohup, say) may have set signals to be ignored.
         for (const int signo : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGTSTP}) {
-            signal(signo, SIG_DFL);
+            signal(signo, signo == SIGHUP && options.hangUpIgnored ? SIG_IGN : SIG_DFL);
         }
         const int in = options.stdinPath.empty() ? STDIN_FILENO : open(options.stdinPath.c_str(), O_RDONLY);
         if (in >= 0 && dup2(in, STDIN_FILENO) >= 0) {
