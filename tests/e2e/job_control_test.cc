@@ -42,6 +42,8 @@ TEST_P(JobControl, TheShellOwnsTheTerminalWhileTheConsoleIsStoppedOrInTheBackgro
     ASSERT_TRUE(pty.Write("bg\n") && pty.WaitFor(prompt) && run.StartSim()) << pty.Screen();
     ASSERT_TRUE(pty.WaitFor("int:42", nullptr, 10000)) << pty.Screen();
     EXPECT_EQ("cooked", run.TerminalMode());
+    // Stopped as it reads in the background, the console could outlive its shell.
+    ASSERT_TRUE(pty.Write("kill -9 %1\n") && pty.WaitFor(prompt)) << pty.Screen();
 }
 
 INSTANTIATE_TEST_SUITE_P(Shells, JobControl,
