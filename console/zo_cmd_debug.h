@@ -17,7 +17,8 @@
 //
 // Threads: everything runs on the main thread, except the signal thread, which
 // reads only m_pid and m_pfnRelease (set before it starts, never changed) and
-// g_enSignalState, and serialises its actions with g_mutex.
+// g_enSignalState, serialises its actions with g_mutex, and reaches the
+// terminal only through the line editor's static job-control calls.
 #ifndef ZO_CONSOLE_ZO_CMD_DEBUG_H
 #define ZO_CONSOLE_ZO_CMD_DEBUG_H
 
@@ -149,7 +150,9 @@ public:
     static void QuitHandler(int signo);
     static void SuspendHandler(int signo);
     static void ResumeHandler(int signo);
-    // Body of m_signalThread: acts on g_enSignalState every 10 ms, for ever.
+    // Body of m_signalThread: acts on g_enSignalState every 10 ms, for ever;
+    // hands the terminal back to the shell before each stop and takes raw mode
+    // up again once the console is back in the foreground.
     static void SignalDectThread(const void* arg);
     static void OnQuit();
     static void OnSuspend();

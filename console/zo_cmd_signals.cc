@@ -2,6 +2,12 @@
 // the signal thread looks every 10 ms and acts by signalling the console's
 // own process, so nothing but one store happens in signal context.
 //
+// A raw-mode program must look after its terminal across a stop itself, as
+// shells differ: bash puts back its own settings when a job stops but not
+// when it continues one, dash neither. So beside the suspend and resume
+// actions the thread hands the terminal back to the shell before each stop
+// and takes raw mode up again once the console is back in the foreground.
+//
 // The signals that end a process by default (termination, hang-up, quit from
 // the keyboard, a broken pipe) would leave the terminal raw: their handler
 // puts it back first.
@@ -31,13 +37,25 @@ void ZoCmdDebug::ResumeHandler(int /*signo*/)
 
 // The state is never reset: an action repeats at every look until another
 // signal records another state (a resumed console keeps sending itself SIGCONT).
+// Raw mode is taken up again once per stop, at the first look in the
+// foreground after it: not at every repeated SIGCONT, and never while the
+// console runs in the background (after the shell's bg), where its shell owns
+// the terminal.
 void ZoCmdDebug::SignalDectThread(const void* /*arg*/)
 {
     const struct timespec period = {0, 10000000};
+    bool rawModeLeft = false;  // left for a stop, not yet taken up again
     for (;;) {
         switch (g_enSignalState) {
-            case SIGNAL_STATE_RESUME: OnResume(); break;
-            case SIGNAL_STATE_SUSPEND: OnSuspend(); break;
+            case SIGNAL_STATE_RESUME:
+                rawModeLeft = rawModeLeft && !ZoStream::ResumeRawMode();
+                OnResume();
+                break;
+            case SIGNAL_STATE_SUSPEND:
+                ZoStream::SuspendRawMode();
+                rawModeLeft = true;
+                OnSuspend();
+                break;
             case SIGNAL_STATE_QUIT: OnQuit(); break;
             default: break;
         }

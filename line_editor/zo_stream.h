@@ -8,8 +8,10 @@
 // When standard input is not a terminal nothing is applied or restored and
 // lines are still read byte by byte.
 //
-// Used by one thread only. The line returned by Gets lives in one static
-// buffer, overwritten by the next successful Enter.
+// Used by one thread only, but for the static calls that put the terminal
+// back (RestoreFoundTermios) or take it up again (SuspendRawMode,
+// ResumeRawMode), which any thread may make. The line returned by Gets lives
+// in one static buffer, overwritten by the next successful Enter.
 #ifndef ZO_LINE_EDITOR_ZO_STREAM_H
 #define ZO_LINE_EDITOR_ZO_STREAM_H
 
@@ -46,6 +48,21 @@ public:
     // the console ends without going through ResetTermios. Prints nothing;
     // does nothing when no Init has read settings.
     static void RestoreFoundTermios();
+
+    // Job control: the shell owns the terminal while the console is stopped or
+    // runs in the background, and expects it as it left it. SuspendRawMode puts
+    // back the settings the last Init found, before the process stops;
+    // ResumeRawMode applies that Init's raw settings again once the process is
+    // continued. Each makes one tcsetattr, and only while the process's group
+    // is the terminal's foreground group: a process in the background must not
+    // change the settings under its shell. SIGTTOU is blocked in the calling
+    // thread meanwhile, so that the terminal changing hands in between cannot
+    // stop the process. Both print nothing. ResumeRawMode returns false when
+    // nothing was applied because another group owns the terminal (call it
+    // again once the process is in the foreground), true otherwise, also when
+    // no Init has read settings.
+    static void SuspendRawMode();
+    static bool ResumeRawMode();
 
     // The entered line (in the static buffer), the constant text "TAB" after a
     // completion listing (the caller prints the prompt again and calls Gets

@@ -1,7 +1,10 @@
 // Raw mode: the terminal on standard input is switched in Init and put back in
-// ResetTermios, or in RestoreFoundTermios when the process ends another way.
+// ResetTermios, or in RestoreFoundTermios when the process ends another way;
+// SuspendRawMode and ResumeRawMode leave it and enter it again around a stop.
 #include "zo_stream.h"
 
+#include <pthread.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -10,9 +13,11 @@
 
 namespace {
 
-// A copy of the settings Init read, for RestoreFoundTermios: a signal handler
-// cannot reach the editor object. The flag is published after the copy.
+// Copies of the settings Init read and of the raw ones it made of them, for
+// the static calls: a signal handler or the signal thread cannot reach the
+// editor object. The flag is published after the copies.
 struct termios g_foundTermios;
+struct termios g_rawTermios;
 std::atomic<bool> g_foundTermiosValid(false);
 static_assert(std::atomic<bool>::is_always_lock_free, "the flag is read in signal handlers");
 
@@ -20,6 +25,25 @@ void ReportTermiosFailure(const char* call, int ret, int err)
 {
     std::printf("error:set %s fail, ret:)0x%x !!! errno = %d\n", call, static_cast<unsigned int>(ret), err);
     std::fflush(stdout);
+}
+
+// One tcsetattr while the process's group owns the terminal; false, with
+// nothing applied, while another group does. With SIGTTOU blocked, a change
+// made after the shell took the terminal back in between is carried out
+// instead of stopping the process.
+bool ApplyInForeground(const struct termios& settings)
+{
+    sigset_t ttou;
+    sigset_t previous;
+    sigemptyset(&ttou);
+    sigaddset(&ttou, SIGTTOU);
+    pthread_sigmask(SIG_BLOCK, &ttou, &previous);
+    const bool foreground = tcgetpgrp(STDIN_FILENO) == getpgrp();
+    if (foreground) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &settings);
+    }
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    return foreground;
 }
 
 }  // namespace
@@ -54,13 +78,14 @@ void ZoStream::Init()
         return;
     }
     m_bTermiosSaved = true;
-    g_foundTermios = m_stOldTermios;
-    g_foundTermiosValid.store(true, std::memory_order_release);
-
     m_stNewTermios = m_stOldTermios;
     m_stNewTermios.c_cc[VTIME] = 0;
     m_stNewTermios.c_cc[VMIN] = 1;
     m_stNewTermios.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+    g_foundTermios = m_stOldTermios;
+    g_rawTermios = m_stNewTermios;
+    g_foundTermiosValid.store(true, std::memory_order_release);
+
     if (isatty(STDIN_FILENO) != 0) {
         ret = tcsetattr(STDIN_FILENO, TCSANOW, &m_stNewTermios);
         if (ret != 0) {
@@ -86,4 +111,16 @@ void ZoStream::RestoreFoundTermios()
     if (g_foundTermiosValid.load(std::memory_order_acquire)) {
         tcsetattr(STDIN_FILENO, TCSANOW, &g_foundTermios);
     }
+}
+
+void ZoStream::SuspendRawMode()
+{
+    if (g_foundTermiosValid.load(std::memory_order_acquire)) {
+        ApplyInForeground(g_foundTermios);
+    }
+}
+
+bool ZoStream::ResumeRawMode()
+{
+    return !g_foundTermiosValid.load(std::memory_order_acquire) || ApplyInForeground(g_rawTermios);
 }

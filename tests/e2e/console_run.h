@@ -78,6 +78,14 @@ public:
                                   : "signal " + std::to_string(WTERMSIG(status))) + (same ? "" : ", terminal raw");
     }
 
+    // "raw" as the line editor sets it, "cooked" (line input and echo) as a shell reads lines, or "mixed".
+    std::string TerminalMode() const
+    {
+        struct termios now {};
+        const tcflag_t bits = m_pty.GetAttr(&now) == 0 ? now.c_lflag & (ICANON | ECHO) : ICANON;
+        return bits == 0 ? "raw" : bits == (ICANON | ECHO) ? "cooked" : "mixed";
+    }
+
     PtySession& Pty() { return m_pty; }
 
 private:

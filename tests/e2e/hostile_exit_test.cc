@@ -184,8 +184,11 @@ TEST(ConsoleEnds, CtrlZStopsAndFgResumesCtrlCKillsWithSignal9AlsoDuringAWait)
         waitid(P_PID, static_cast<id_t>(run.Pty().Pid()), &info, WSTOPPED | WNOHANG | WNOWAIT);
     }
     ASSERT_EQ(CLD_STOPPED, info.si_code);
+    EXPECT_EQ("cooked", run.TerminalMode());  // stopped, it leaves the terminal as it found it
     ASSERT_EQ(0, kill(run.Pty().Pid(), SIGCONT));
-    // It reads and answers again, although it now sends itself SIGCONT every 10 ms.
+    // Raw again at the signal thread's next look (keys typed before that would be echoed twice); it reads and
+    // answers again, although it now sends itself SIGCONT every 10 ms.
+    ASSERT_TRUE(WaitFor([&] { return run.TerminalMode() == "raw"; })) << run.TerminalMode();
     EXPECT_EQ("tun\nTuner@", run.Type("tun\n"));
     ASSERT_TRUE(run.Pty().Write("scan\n"));
     ASSERT_EQ("scan", run.SimLine());  // a request the service never answers

@@ -15,11 +15,11 @@
 #include <string>
 #include <vector>
 
-// For a forked child: replaces the process with the program, behind the emulator's words if any. Returns only if
-// exec failed.
-inline void ExecChild(const std::vector<std::string>& argv)
+// For a forked child: replaces the process with the program, behind the emulator's words if any (unless it is one of
+// the machine's own programs, a shell say: not emulated). Returns only if exec failed.
+inline void ExecChild(const std::vector<std::string>& argv, bool emulated = true)
 {
-    const char* emulator = std::getenv("ZO_TEST_EMULATOR");
+    const char* emulator = emulated ? std::getenv("ZO_TEST_EMULATOR") : nullptr;
     std::istringstream words(emulator != nullptr ? emulator : "");
     std::vector<std::string> command{std::istream_iterator<std::string>(words), std::istream_iterator<std::string>()};
     command.insert(command.end(), argv.begin(), argv.end());

@@ -45,7 +45,7 @@ bool PtySession::Start(const std::string& program, const std::vector<std::string
         }
         const int in = options.stdinPath.empty() ? STDIN_FILENO : open(options.stdinPath.c_str(), O_RDONLY);
         if (in >= 0 && dup2(in, STDIN_FILENO) >= 0) {
-            ExecChild(words);
+            ExecChild(words, options.emulated);
         }
         _exit(127);
     }

@@ -17,6 +17,7 @@ struct PtySessionOptions {
     const struct termios* initialTermios = nullptr;  // null: the system's defaults
     std::string stdinPath;                           // when set, standard input is this file, not the terminal
     bool hangUpIgnored = false;                      // the program starts with SIGHUP ignored, as under nohup
+    bool emulated = true;                            // false: one of the machine's own programs (see ExecChild)
 };
 
 class PtySession {
