@@ -32,7 +32,7 @@ public:
                      << "description = command " << c << " of module " << m << "\n\n";
             }
         }
-        m_dir.Write(".tv", std::string(SHM_SIZE, '\0'));
+        m_dir.Write(kShmSwapFileName, std::string(SHM_SIZE, '\0'));
     }
 
     const std::string& Dir() const { return m_dir.Path(); }

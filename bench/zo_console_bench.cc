@@ -74,9 +74,9 @@ public:
             cmds.push_back({"cmd" + std::to_string(c), std::to_string(c + 1), "dDfFs", "dsF", "number,name,value"});
         }
         Load(cmds);
-        Dir().Write(".tv", std::string(SHM_SIZE, '\0'));
+        Dir().Write(kShmSwapFileName, std::string(SHM_SIZE, '\0'));
     }
-    std::string SwapFile() const { return Dir().File(".tv"); }
+    std::string SwapFile() const { return ShmSwapFilePath(Dir().Path()); }
 };
 
 void* MapPage(const std::string& path)

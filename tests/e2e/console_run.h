@@ -38,7 +38,8 @@ public:
     const TempDir& Dir() const { return m_sim.dir; }
     bool StartSim(const std::vector<std::string>& options = {}) { return m_sim.Start(options); }
     std::string SimLine() { return m_sim.ReadLine(std::chrono::milliseconds(5000)); }
-    void WritePage() const { Dir().Write(".tv", std::string(4096, '\0')); }
+    std::string Page() const { return ShmSwapFilePath(Dir().Path()); }
+    void WritePage() const { Dir().Write(kShmSwapFileName, std::string(SHM_SIZE, '\0')); }
 
     // Starts the program on a terminal with the system's default settings, which Exit compares with.
     bool StartProgram(const std::vector<std::string>& args, PtySession::Options options = {})

@@ -16,7 +16,7 @@ TEST(DemoTv, AnswersTheExampleCatalogueKeepsItsStateAndEndsOnSigterm)
     const pid_t tv = SpawnChild({ZO_DEMO_TV_PATH, run.Dir().Path()}, -1, log);
     close(log);
     struct stat page {};
-    ASSERT_TRUE(WaitFor([&] { return stat(run.Dir().File(".tv").c_str(), &page) == 0 && page.st_size >= 4096; },
+    ASSERT_TRUE(WaitFor([&] { return stat(run.Page().c_str(), &page) == 0 && page.st_size >= off_t(SHM_SIZE); },
                         std::chrono::milliseconds(10000)));
     ASSERT_EQ("", run.StartConsole());
 

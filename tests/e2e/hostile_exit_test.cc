@@ -92,7 +92,7 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
             run.WritePage();
         }
         if (c.setup != nullptr) {
-            c.setup(run.Dir().File(".tv"));
+            c.setup(run.Page());
         }
         const int resource = c.resource >= 0 ? c.resource : RLIMIT_STACK;
         struct rlimit found {};
@@ -106,11 +106,11 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         EXPECT_EQ(c.end, run.Exit());
         std::string message = c.message;
         if (message.find("PAGE") != std::string::npos) {
-            message.replace(message.find("PAGE"), 4, run.Dir().File(".tv"));
+            message.replace(message.find("PAGE"), 4, run.Page());
         }
         EXPECT_EQ(message, run.Pty().Screen());
         struct stat info;
-        EXPECT_EQ(c.pageLeft, lstat(run.Dir().File(".tv").c_str(), &info) == 0);
+        EXPECT_EQ(c.pageLeft, lstat(run.Page().c_str(), &info) == 0);
         EXPECT_NE(0, lstat(run.Dir().File("made.tv").c_str(), &info));  // the console removed what it created
     }
 }
@@ -161,7 +161,7 @@ TEST(ConsoleEnds, SecondConsoleOnThePageExits1WhileTheFirstLives)
     ASSERT_EQ("", first.StartConsole());
     ASSERT_TRUE(second.StartProgram({first.Dir().Path()}));
     EXPECT_EQ("exit 1", second.Exit());
-    EXPECT_EQ("swap file " + first.Dir().File(".tv") + " is in use by another console (process " +
+    EXPECT_EQ("swap file " + first.Page() + " is in use by another console (process " +
                   std::to_string(first.Pty().Pid()) + ")\r\n",
               second.Pty().Screen());
     EXPECT_EQ("fmt\nFormats@", first.Type("fmt\n"));
@@ -207,11 +207,11 @@ TEST(ConsoleEnds, TruncatedSwapFileEndsWith1InsteadOfSigbus)
     ASSERT_TRUE(run.StartProgram({run.Dir().Path()}));
     ASSERT_TRUE(run.Pty().Write("fmt\n"));
     ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
-    ASSERT_EQ(0, truncate(run.Dir().File(".tv").c_str(), 0));
+    ASSERT_EQ(0, truncate(run.Page().c_str(), 0));
     ASSERT_TRUE(run.Pty().Write("int 5\n"));
     EXPECT_EQ("exit 1", run.Exit());
     const std::string message =
-        "swap file " + run.Dir().File(".tv") + " was truncated while mapped: the shared page is lost\r\n";
+        "swap file " + run.Page() + " was truncated while mapped: the shared page is lost\r\n";
     EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
 }
 
@@ -226,7 +226,7 @@ TEST(ConsoleEnds, PageWithoutRoomOnItsFileSystemEndsWith1InsteadOfSigbus)
     ConsoleRun run;
     const std::string fs = run.Dir().File("fs");
     const std::string script = "mkdir " + fs + " && mount -t tmpfs -o size=16k zo " + fs + " && cp " +
-                               run.Dir().Path() + "/*.conf " + fs + " && truncate -s 4096 " + fs + "/.tv && " +
+                               run.Dir().Path() + "/*.conf " + fs + " && truncate -s 4096 " + ShmSwapFilePath(fs) + " && " +
                                "{ cat /dev/zero >" + fs + "/fill 2>/dev/null; " + ZO_SERVICE_SIM_PATH + " " + fs + "; exec " +
                                ZO_CMD_DEBUG_HOST_PATH + " " + fs + "; }";
     ASSERT_TRUE(run.Pty().Start("unshare", {"-rm", "sh", "-c", script}));
@@ -234,8 +234,8 @@ TEST(ConsoleEnds, PageWithoutRoomOnItsFileSystemEndsWith1InsteadOfSigbus)
     ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
     ASSERT_TRUE(run.Pty().Write("int 5\n"));
     EXPECT_EQ(0u, run.Exit().find("exit 1"));
-    for (const std::string& message : {"can't reserve 4096 bytes for " + fs + "/.tv: No space left on device\r\n",
-                                       "swap file " + fs + "/.tv could not back the shared page (is its file system"}) {
+    for (const std::string& message : {"can't reserve 4096 bytes for " + ShmSwapFilePath(fs) + ": No space left on device\r\n",
+                                       "swap file " + ShmSwapFilePath(fs) + " could not back the shared page (is its file system"}) {
         EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
     }
 }

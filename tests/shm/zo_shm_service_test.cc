@@ -49,7 +49,7 @@ TEST(ZoShmService, AnswersEachRequestTheConsolePosts)
     TempDir dir;
     ZoShmService service;
     std::string error;
-    ASSERT_EQ(0, service.Open(dir.File(".tv"), &error)) << error;
+    ASSERT_EQ(0, service.Open(ShmSwapFilePath(dir.Path()), &error)) << error;
     service.Register(0x31, SetVolume);
     service.Register(0x32, AnswerTooMuch);
     void* page = const_cast<void*>(service.Page());
@@ -103,7 +103,7 @@ TEST(ZoShmService, AnswersEachRequestTheConsolePosts)
 TEST(ZoShmService, OpensOnlyARegularFileReachedWithoutALink)
 {
     TempDir dir;
-    const std::string page = dir.File(".tv");
+    const std::string page = ShmSwapFilePath(dir.Path());
     const std::string target = dir.Write("target", "kept");
     const mode_t umaskWas = umask(022);
     struct stat st {};
@@ -115,7 +115,7 @@ TEST(ZoShmService, OpensOnlyARegularFileReachedWithoutALink)
         EXPECT_EQ(off_t(SHM_SIZE), st.st_size);
         EXPECT_GE(st.st_blocks * 512, off_t(SHM_SIZE)) << "the page's blocks are reserved";
     }
-    dir.Write(".tv", std::string(5000, 'x'));
+    dir.Write(kShmSwapFileName, std::string(5000, 'x'));
     ZoShmService longer;
     ASSERT_EQ(0, longer.Open(page, nullptr));
     EXPECT_EQ(0, stat(page.c_str(), &st));

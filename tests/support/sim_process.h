@@ -54,7 +54,7 @@ public:
         Spawn(args);
         m_options = options;
         struct stat st {};
-        const std::string path = dir.File(".tv");
+        const std::string path = ShmSwapFilePath(dir.Path());
         const int fd = WaitFor([&] { return stat(path.c_str(), &st) == 0 && st.st_size >= off_t(SHM_SIZE); }, Ms(10000))
                            ? open(path.c_str(), O_RDWR | O_CLOEXEC)
                            : -1;

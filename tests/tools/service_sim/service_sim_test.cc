@@ -28,7 +28,7 @@ TEST(ServiceSim, DecodesEachRequestAndAnswersIt)
     SimProcess sim;
     WriteCatalogue(sim.dir);
     const std::string replies = sim.dir.Write("replies", "# code status values\n0x11 0 7 010\n0x12 0x80000001\n");
-    sim.dir.Write(".tv", "short");  // grown to a page
+    sim.dir.Write(kShmSwapFileName, "short");  // grown to a page
     const struct {
         std::vector<std::string> options;
         std::string request;
@@ -147,7 +147,7 @@ TEST(ServiceSim, PagesThatCannotBeUsedEndItWithOne)
 {
     SimProcess sim;
     WriteCatalogue(sim.dir);
-    const std::string page = sim.dir.File(".tv");
+    const std::string page = ShmSwapFilePath(sim.dir.Path());
     mkfifo(page.c_str(), 0600);
     int status = sim.Run({sim.dir.Path()});
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
