@@ -63,7 +63,6 @@ int ZoCmdDebug::CopyCmdToBuf(const char* cmd, android::Parcel& request)
 namespace {
 
 const void* g_guardedPage;
-std::string g_swapPath;
 std::string g_truncatedMessage;
 std::string g_unbackedMessage;
 
@@ -71,7 +70,7 @@ void OnBusError(int signo, siginfo_t* info, void* /*context*/)
 {
     ZoStream::RestoreFoundTermios();
     if (ShmFaultOnPage(info, g_guardedPage)) {
-        const std::string& message = ShmFileCutShort(g_swapPath.c_str()) ? g_truncatedMessage : g_unbackedMessage;
+        const std::string& message = ShmFileCutShort(g_strSwapFile.c_str()) ? g_truncatedMessage : g_unbackedMessage;
         (void)!write(STDOUT_FILENO, message.data(), message.size());
         _exit(1);
     }
@@ -84,7 +83,6 @@ void OnBusError(int signo, siginfo_t* info, void* /*context*/)
 void ZoCmdDebug::GuardPageAgainstTruncation(void* page)
 {
     g_guardedPage = page;
-    g_swapPath = g_strSwapFile;
     g_truncatedMessage = ShmLostMessage(g_strSwapFile, true) + "\n";
     g_unbackedMessage = ShmLostMessage(g_strSwapFile, false) + "\n";
     struct sigaction action = {};

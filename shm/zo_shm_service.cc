@@ -153,12 +153,12 @@ bool ZoShmService::Serve(unsigned timeoutMs)
     return WaitForRequest(timeoutMs) && ServeOne() == Served::kAnswered;
 }
 
-ZoShmService::Served ZoShmService::ServeOne(int32_t* code, int32_t* status)
+ZoShmService::Served ZoShmService::ServeOne(int32_t* code)
 {
     if (!TakeRequest(m_request)) {
         return Served::kNothing;
     }
-    const std::vector<uint8_t> reply = BuildReply(m_request, code, status);
+    const std::vector<uint8_t> reply = BuildReply(m_request, code);
     return PostReply(m_request, reply.data(), reply.size());
 }
 
@@ -204,7 +204,7 @@ void ZoShmService::DropRequest()
     }
 }
 
-std::vector<uint8_t> ZoShmService::BuildReply(const ZoShmRequest& request, int32_t* code, int32_t* status)
+std::vector<uint8_t> ZoShmService::BuildReply(const ZoShmRequest& request, int32_t* code)
 {
     int32_t requestCode = -1;
     int32_t result = kStatusBadRequest;
@@ -215,14 +215,8 @@ std::vector<uint8_t> ZoShmService::BuildReply(const ZoShmRequest& request, int32
         const auto handler = m_handlers.find(requestCode);
         result = handler == m_handlers.end() ? kStatusUnknownCode : handler->second(args, values);
     }
-    if (result == 0 && values.dataSize() > SHM_DATA_SIZE - sizeof result) {
-        result = kStatusBadRequest;
-    }
     if (code != nullptr) {
         *code = requestCode;
-    }
-    if (status != nullptr) {
-        *status = result;
     }
     std::vector<uint8_t> reply = StatusAlone(result);
     if (result == 0 && values.dataSize() != 0) {

@@ -118,8 +118,8 @@ public:
     bool Serve(unsigned timeoutMs);
     // Serves the pending request, if any: runs its code's handler and posts
     // the reply. When code is not null it receives the request's code (-1 when
-    // there is none); status likewise receives the status posted.
-    Served ServeOne(int32_t* code = nullptr, int32_t* status = nullptr);
+    // there is none).
+    Served ServeOne(int32_t* code = nullptr);
 
     // The parts of ServeOne, for a service that decodes requests itself.
     //
@@ -139,11 +139,11 @@ public:
     // later request (a restarted console's) stands out from it.
     void DropRequest();
 
-    // The reply ServeOne would post for request: the status, then the
-    // handler's values when the status is 0. Runs the handler; no page access.
-    std::vector<uint8_t> BuildReply(const ZoShmRequest& request, int32_t* code = nullptr, int32_t* status = nullptr);
-
 private:
+    // The reply to request: the status, then the handler's values when the
+    // status is 0. Runs the handler; no page access.
+    std::vector<uint8_t> BuildReply(const ZoShmRequest& request, int32_t* code);
+
     void* m_page = nullptr;
     std::map<int32_t, Handler> m_handlers;
     ZoShmRequest m_request;  // the request being served, kept out of the stack: 4 KB

@@ -64,7 +64,7 @@ int main(int argc, char* argv[])
     }
 
     ZoFileParse catalogue;
-    LoadCatalogueReportingToStderr(catalogue, dir);
+    LoadCatalogueWithMessagesTo(catalogue, dir, STDERR_FILENO);
     ZoShmService service;
     TvService tvService(tv, stdout);
     std::vector<std::string> warnings;

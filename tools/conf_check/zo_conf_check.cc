@@ -15,7 +15,7 @@
 #include "conf_diagnostics.h"
 #include "conf_recorder.h"
 #include "conf_rules.h"
-#include "zo_file_parse.h"
+#include "zo_file_parse_quiet_load.h"
 
 namespace
 {
@@ -54,36 +54,6 @@ int UsageError(const std::string& reason)
     PrintUsage(stderr);
     return kExitCannotRun;
 }
-
-// Sends standard output to /dev/null while alive: the catalogue prints its
-// own messages as it reads, and the report tells of the same problems.
-class StdoutSilenced
-{
-public:
-    StdoutSilenced()
-    {
-        fflush(stdout);
-        m_saved = dup(STDOUT_FILENO);
-        const int null = open("/dev/null", O_WRONLY);
-        if (null >= 0) {
-            dup2(null, STDOUT_FILENO);
-            close(null);
-        }
-    }
-    ~StdoutSilenced()
-    {
-        fflush(stdout);
-        if (m_saved >= 0) {
-            dup2(m_saved, STDOUT_FILENO);
-            close(m_saved);
-        }
-    }
-    StdoutSilenced(const StdoutSilenced&) = delete;
-    StdoutSilenced& operator=(const StdoutSilenced&) = delete;
-
-private:
-    int m_saved;
-};
 
 // True when path can be opened and read; otherwise prints why on stderr.
 bool Readable(const std::string& path)
@@ -154,10 +124,10 @@ int main(int argc, char** argv)
     ConfRecorder recorder(modsPath, cmdsPath, diagnostics, rules);
     ZoFileParse catalogue;
     catalogue.SetObserver(&recorder);
-    {
-        StdoutSilenced silenced;
-        catalogue.Init(dir);
-    }
+    // The catalogue's own messages tell of problems that the report names with their rows.
+    const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    LoadCatalogueWithMessagesTo(catalogue, dir, null);
+    close(null);
     recorder.Finish();
 
     if (!quiet) {

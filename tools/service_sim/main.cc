@@ -49,7 +49,7 @@ int main(int argc, char* argv[])
     }
 
     ZoFileParse catalogue;
-    LoadCatalogueReportingToStderr(catalogue, opts.dir);
+    LoadCatalogueWithMessagesTo(catalogue, opts.dir, STDERR_FILENO);
     if (catalogue.GetIOExceptionStatus() != 0) {
         std::fprintf(stderr, "zo_service_sim: the catalogue in %s did not load fully; going on with what it has\n",
                      opts.dir.c_str());
