@@ -20,6 +20,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <sstream>
 #include <string>
 
 #include <binder/Parcel.h>
@@ -54,9 +55,35 @@ struct ZoFormatLetter {
     // printer logs printFailure with that result. Null for s.
     int (*print)(const ZoFormatValue& value, char* text, size_t size);
     const char* printFailure;
+    // Reads the letter's value from the console's argument stream the way the
+    // console encodes typed text (d: a word, decimal or hexadecimal after
+    // 0x/0X, junk after the number dropped, a word that is no number gives 0,
+    // overflow clamps; D: decimal straight from the stream, what follows the
+    // digits stays for the next letter; f, F: straight from the stream; s: the
+    // next word). False when the stream is left with any condition, not even
+    // its end: the dispatcher appends a blank so that the last argument can
+    // succeed.
+    bool (*encode)(std::istringstream& args, ZoFormatValue& value);
+    // Parses one whole word as a value, strictly (a tool's input): false when
+    // the word is not entirely such a value. Integers are decimal, or
+    // hexadecimal after 0x/0X, with an optional sign: d takes -2147483648 up to
+    // 0xffffffff (4294967295), the upper half as the bit pattern of a negative
+    // value; D likewise for 64 bits. Reals are strtof (f) or strtod (F) of the
+    // whole word, out of range refused. s takes any word that converts to
+    // UTF-16 (UTF-8 cut off inside a sequence would be written as "").
+    bool (*parse)(const std::string& word, ZoFormatValue& value);
+    // Appends the value as a request line shows it: integers in decimal, reals
+    // in the shortest %g form that reads back as the same float or double,
+    // text as ZoFormatQuote gives it.
+    void (*show)(const ZoFormatValue& value, std::string& line);
 };
 
 // The row of a letter; null for a character that is no format letter.
 const ZoFormatLetter* ZoFormatLetterOf(char letter);
+
+// The text in double quotes as a request line shows it: '"' and '\\' after a
+// backslash, every byte outside printable ASCII (0x20 to 0x7e) as \xHH with
+// two lowercase hexadecimal digits, so "a\"b" and "caf\xc3\xa9".
+std::string ZoFormatQuote(const std::string& text);
 
 #endif  // ZO_FORMAT_ZO_FORMAT_LETTERS_H
