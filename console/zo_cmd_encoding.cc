@@ -1,54 +1,48 @@
 // Argument encoding: the typed arguments of a command become its request.
 //
 // The request parcel holds the command's instruction code (int32), then one
-// value per letter of the command's parameter format, in letter order, each
-// written as zo_format_letters.h says. How each letter takes its argument:
-//
-//   d  a word: decimal, or hexadecimal after "0x"/"0X"; junk after the number
-//      is dropped, a word that is no number gives 0, overflow clamps
-//   D  decimal, read straight from the argument stream; what follows the
-//      digits stays there for the next letter
-//   f, F  read straight from the argument stream as float and double
-//   s  the next word (no quoting: a word holds no white space)
-//   S  nothing; its message is printed
+// value per letter of the command's parameter format, in letter order. How a
+// letter takes its argument from the argument stream and writes it is its row
+// of zo_format_letters.h (encode, then write); S takes nothing and prints its
+// message.
 //
 // The argument stream is the argument text with one blank appended by the
-// dispatcher. A read succeeds only if the stream reports no condition at all
-// afterwards (not even its end), which the trailing blank makes possible for
-// the last argument. A failed read ends the walk with the command's help text.
+// dispatcher, so that the read of the last argument can succeed: a read fails
+// when it leaves the stream with any condition, its end included. A failed
+// read ends the walk with the command's help text.
+//
+// ParseIntegerCmd (d, D) and ParseStringCmd (s, S) take the letter of their
+// pair by a ZO_BOOL, true for the wide one; every other letter goes through
+// ParseCmdSub. All of them encode with the same row functions.
+#include <cctype>
 #include <cstdio>
-#include <cstring>
 
 #include "zo_cmd_debug.h"
 #include "zo_format_letters.h"
 
 namespace {
 
-// Extracts the next value of type T (a word for std::string) into out; true
-// when the stream is left without any condition, not even its end.
-template <typename T, typename Out>
-bool Extract(std::istringstream& args, Out& out)
+// True for both letters of the pair of narrow (d: d and D).
+bool OfPair(char letter, char narrow)
 {
-    T value{};
-    args >> value;
-    out = value;
-    return args.good();
+    return std::tolower(static_cast<unsigned char>(letter)) == narrow;
 }
 
-// The word as a 32-bit integer: hexadecimal after a leading "0x" or "0X",
-// otherwise decimal (a leading zero does not mean octal). The standard
-// extraction stops at the first character that is not part of the number,
-// gives 0 when there is no number and the nearest limit when out of range.
-int32_t WordToInt32(const std::string& word)
+// Encodes the next argument by the letter's row. A letter without an encoding
+// (S) prints its message and takes nothing; an argument that cannot be read
+// sets ok to false and writes nothing. -1 only when the parcel refuses the value.
+int EncodeArgument(const ZoFormatLetter& format, ZO_BOOL& ok, std::istringstream& args, android::Parcel& parcel)
 {
-    std::istringstream conv(word);
-    int value = 0;
-    if (word.size() >= 2 && word[0] == '0' && (word[1] == 'x' || word[1] == 'X')) {
-        conv >> std::hex >> value;
-    } else {
-        conv >> value;
+    if (!format.supported) {
+        puts(kZoFormatNoSupportS);
+        return 0;
     }
-    return value;
+    ZoFormatValue value;
+    if (!format.encode(args, value)) {
+        ok = ZO_FALSE;
+        return 0;
+    }
+    return format.write(parcel, value) == android::NO_ERROR ? 0 : -1;
 }
 
 }  // namespace
@@ -77,7 +71,7 @@ int ZoCmdDebug::ParseCmd(const char* cmd, android::Parcel& parcel, std::istrings
             puts("para format err.");
             return -1;
         }
-        if (format->kind == ZoFormatKind::kInteger) {
+        if (OfPair(paraFmt[i], 'd')) {
             const int ret = ParseIntegerCmd(format->wide, ok, args, parcel);
             if (ret != 0) {
                 puts("call failed");
@@ -101,25 +95,12 @@ int ZoCmdDebug::ParseCmd(const char* cmd, android::Parcel& parcel, std::istrings
 int ZoCmdDebug::ParseCmdSub(char letter, ZO_BOOL& ok, std::istringstream& args, android::Parcel& parcel)
 {
     const ZoFormatLetter* format = ZoFormatLetterOf(letter);
-    if (format == nullptr || format->kind == ZoFormatKind::kInteger) {
+    if (format == nullptr || OfPair(letter, 'd')) {
         puts("para format err.");
         return -1;
     }
-    if (!format->supported) {
-        puts(kZoFormatNoSupportS);
-        return 0;
-    }
-    int ret = 0;
-    if (format->kind == ZoFormatKind::kText) {
-        ret = ParseStringCmd(ZO_FALSE, ok, args, parcel);
-    } else {
-        ZoFormatValue value;
-        if (format->wide ? !Extract<double>(args, value.real) : !Extract<float>(args, value.real)) {
-            ok = ZO_FALSE;
-            return 0;
-        }
-        ret = format->write(parcel, value) == android::NO_ERROR ? 0 : -1;
-    }
+    const int ret = OfPair(letter, 's') ? ParseStringCmd(format->wide, ok, args, parcel)
+                                        : EncodeArgument(*format, ok, args, parcel);
     if (ret != 0) {
         puts("call failed");
     }
@@ -128,28 +109,10 @@ int ZoCmdDebug::ParseCmdSub(char letter, ZO_BOOL& ok, std::istringstream& args, 
 
 int ZoCmdDebug::ParseIntegerCmd(ZO_BOOL wide, ZO_BOOL& ok, std::istringstream& args, android::Parcel& parcel)
 {
-    ZoFormatValue value;
-    std::string word;
-    if (wide ? !Extract<int64_t>(args, value.integer) : !Extract<std::string>(args, word)) {
-        ok = ZO_FALSE;
-        return 0;
-    }
-    if (!wide) {
-        value.integer = WordToInt32(word);
-    }
-    return ZoFormatLetterOf(wide ? 'D' : 'd')->write(parcel, value) == android::NO_ERROR ? 0 : -1;
+    return EncodeArgument(ZoFormatLetterOfPair('d', wide), ok, args, parcel);
 }
 
 int ZoCmdDebug::ParseStringCmd(ZO_BOOL wide, ZO_BOOL& ok, std::istringstream& args, android::Parcel& parcel)
 {
-    if (wide) {
-        puts(kZoFormatNoSupportS);
-        return 0;
-    }
-    ZoFormatValue value;
-    if (!Extract<std::string>(args, value.text)) {
-        ok = ZO_FALSE;
-        return 0;
-    }
-    return ZoFormatLetterOf('s')->write(parcel, value) == android::NO_ERROR ? 0 : -1;
+    return EncodeArgument(ZoFormatLetterOfPair('s', wide), ok, args, parcel);
 }

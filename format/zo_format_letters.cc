@@ -243,6 +243,11 @@ const ZoFormatLetter* ZoFormatLetterOf(char letter)
     return nullptr;
 }
 
+const ZoFormatLetter& ZoFormatLetterOfPair(char narrow, bool wide)
+{
+    return *ZoFormatLetterOf(wide ? static_cast<char>(std::toupper(static_cast<unsigned char>(narrow))) : narrow);
+}
+
 std::string ZoFormatQuote(const std::string& text)
 {
     std::string quoted = "\"";

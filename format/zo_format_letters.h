@@ -12,9 +12,20 @@
 //
 // Any other character, a blank included, is an error of the format. D, F and
 // S are the wide variants of d, f and s, as the encoder's and the printer's
-// ZO_BOOL arguments name them. This table is the one definition that the
-// console's encoder and printer, the service simulator and the catalogue
-// checker share.
+// ZO_BOOL arguments name them.
+//
+// Typed by the engineer (encode) and in a request line (show):
+//
+//   letter  typed argument                               shown as
+//   d       a word: decimal, hexadecimal after 0x/0X     decimal
+//   D       decimal digits straight from the stream      decimal
+//   f, F    a number straight from the stream            shortest %g that reads back
+//   s       the next word (no quoting)                   "text", escaped as ZoFormatQuote
+//
+// This table is the one definition of everything done with a letter: the
+// console's encoder and printer, the services (decoding a request with read,
+// encoding a reply with write), the tools and the catalogue checker use it.
+// Adding a letter is adding its row here.
 #ifndef ZO_FORMAT_ZO_FORMAT_LETTERS_H
 #define ZO_FORMAT_ZO_FORMAT_LETTERS_H
 
@@ -80,6 +91,11 @@ struct ZoFormatLetter {
 
 // The row of a letter; null for a character that is no format letter.
 const ZoFormatLetter* ZoFormatLetterOf(char letter);
+
+// The row of d, f or s (wide false) or of its wide variant, the capital D, F
+// or S (wide true), as the encoder's and the printer's functions name a letter
+// of a pair by their ZO_BOOL argument. narrow must be d, f or s.
+const ZoFormatLetter& ZoFormatLetterOfPair(char narrow, bool wide);
 
 // The text in double quotes as a request line shows it: '"' and '\\' after a
 // backslash, every byte outside printable ASCII (0x20 to 0x7e) as \xHH with

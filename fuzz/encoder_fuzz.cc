@@ -7,11 +7,13 @@
 // text gets the one blank the dispatcher appends.
 //
 // Checked besides memory safety: the request starts with the command's code;
-// a successful encoding used only format letters and reads back, letter by
-// letter, to exactly the end of the request.
+// a successful encoding used only format letters, holds for each letter what
+// the letter's row encodes from the same text (S nothing), and reads back,
+// letter by letter, to exactly the end of the request.
 #include <binder/Parcel.h>
 
 #include <cstdint>
+#include <cstring>
 #include <sstream>
 #include <string>
 
@@ -21,21 +23,27 @@
 
 namespace {
 
-// Reads the request back by the format; false when a value is missing.
-bool ReadsBack(const android::Parcel& request, const std::string& format)
+// Reads the request back by the format, comparing each value's bytes with the
+// row's own encoding of the next argument; false when a value is missing.
+bool ReadsBack(const android::Parcel& request, const std::string& format, const std::string& text)
 {
+    std::istringstream args(text);
     for (const char letter : format) {
         const ZoFormatLetter* row = ZoFormatLetterOf(letter);
         FUZZ_CHECK(row != nullptr);  // a successful encoding has only format letters
+        if (!row->supported) {
+            continue;
+        }
         ZoFormatValue value;
-        const size_t avail = request.dataAvail();
-        if (row->supported && !row->read(request, value)) {
+        FUZZ_CHECK(row->encode(args, value));
+        android::Parcel expected;
+        FUZZ_CHECK(row->write(expected, value) == android::NO_ERROR);
+        const size_t start = request.dataPosition();
+        if (!row->read(request, value)) {
             return false;
         }
-        if (row->supported && row->kind == ZoFormatKind::kText) {
-            // Always a string of the word's units, never an absent one.
-            FUZZ_CHECK(request.dataAvail() < avail);
-        }
+        FUZZ_CHECK(request.dataPosition() - start == expected.dataSize());
+        FUZZ_CHECK(std::memcmp(request.data() + start, expected.data(), expected.dataSize()) == 0);
     }
     return true;
 }
@@ -53,7 +61,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string delivered = catalogue.GetCmdParaFmt(catalogue.GetModInstruct("M"), fuzz_console::kCmdWord);
 
     android::Parcel request;
-    std::istringstream args(text + " ");
+    const std::string argText = text + " ";
+    std::istringstream args(argText);
     const int ret = fuzz_console::Console().Get().ParseCmd(fuzz_console::kCmdWord, request, args);
     FUZZ_CHECK(ret == 0 || ret == -1);
 
@@ -61,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     request.setDataPosition(0);
     FUZZ_CHECK(request.readInt32() == fuzz_console::kCmdCode);
     if (ret == 0) {
-        FUZZ_CHECK(ReadsBack(request, delivered));
+        FUZZ_CHECK(ReadsBack(request, delivered, argText));
         FUZZ_CHECK(request.dataAvail() == 0);
     }
     return 0;

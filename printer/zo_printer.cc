@@ -1,5 +1,6 @@
 #include "zo_printer.h"
 
+#include <cctype>
 #include <cstdio>
 #include <cstring>
 
@@ -11,6 +12,13 @@ const char* const kSeparator = "===========================";
 const char* const kLogTag = "ZoMW_Zo_cmd_pri";
 // Numbers are formatted into a buffer of this size, terminator included.
 constexpr size_t kTextSize = 256;
+
+// True for both letters of the pair of narrow (d: d and D), whose renderer's
+// ZO_BOOL takes the wide one.
+bool OfPair(char letter, char narrow)
+{
+    return std::tolower(static_cast<unsigned char>(letter)) == narrow;
+}
 
 }  // namespace
 
@@ -56,12 +64,14 @@ int Printer::RenderField(char letter, unsigned int& tagIndex, const Array<std::s
     }
     if (!format->supported) {
         puts(kZoFormatNoSupportS);
-    } else if (format->kind == ZoFormatKind::kInteger) {
+    } else if (OfPair(letter, 'd')) {
         ParseIntegerfmt(format->wide, tagIndex, tags, row);
-    } else if (format->kind == ZoFormatKind::kReal) {
+    } else if (OfPair(letter, 'f')) {
         ParseDecimalfmt(format->wide, tagIndex, tags, row);
+    } else if (OfPair(letter, 's')) {
+        ParseStringfmt(format->wide, tagIndex, tags, row);
     } else {
-        ParseStringfmt(ZO_FALSE, tagIndex, tags, row);
+        RenderValue(*format, "Fmt", __LINE__, tags[tagIndex], row);
     }
     return 0;
 }
@@ -77,20 +87,32 @@ int Printer::Flush()
 
 void Printer::ParseIntegerfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row)
 {
-    RenderNumber(wide ? 'D' : 'd', "ParseIntegerfmt", __LINE__, tags[tagIndex], row);
+    RenderValue(ZoFormatLetterOfPair('d', wide), "ParseIntegerfmt", __LINE__, tags[tagIndex], row);
 }
 
 void Printer::ParseDecimalfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row)
 {
-    RenderNumber(wide ? 'F' : 'f', "ParseDecimalfmt", __LINE__, tags[tagIndex], row);
+    RenderValue(ZoFormatLetterOfPair('f', wide), "ParseDecimalfmt", __LINE__, tags[tagIndex], row);
 }
 
-void Printer::RenderNumber(char letter, const char* renderer, unsigned int line, const std::string& tag,
-                           std::string& row)
+void Printer::ParseStringfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row)
 {
-    const ZoFormatLetter& format = *ZoFormatLetterOf(letter);
+    RenderValue(ZoFormatLetterOfPair('s', wide), "ParseStringfmt", __LINE__, tags[tagIndex], row);
+}
+
+void Printer::RenderValue(const ZoFormatLetter& format, const char* renderer, unsigned int line,
+                          const std::string& tag, std::string& row)
+{
+    if (!format.supported) {
+        puts(kZoFormatNoSupportS);
+        return;
+    }
     ZoFormatValue value;
     format.read(m_parcel, value);
+    if (format.print == nullptr) {
+        AppendField(tag, value.text.c_str(), row);
+        return;
+    }
     char text[kTextSize];
     memset(text, 0, sizeof text);
     const int ret = format.print(value, text, sizeof text);
@@ -99,17 +121,6 @@ void Printer::RenderNumber(char letter, const char* renderer, unsigned int line,
         return;
     }
     AppendField(tag, text, row);
-}
-
-void Printer::ParseStringfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row)
-{
-    if (wide) {
-        puts(kZoFormatNoSupportS);
-        return;
-    }
-    ZoFormatValue value;
-    ZoFormatLetterOf('s')->read(m_parcel, value);
-    AppendField(tags[tagIndex], value.text.c_str(), row);
 }
 
 void Printer::AppendField(const std::string& tag, const char* text, std::string& row)

@@ -28,6 +28,8 @@
 #include "zo_mw_array.h"
 #include "zo_tv_support.h"
 
+struct ZoFormatLetter;
+
 class Printer {
 public:
     explicit Printer(const android::Parcel& parcel);
@@ -48,15 +50,18 @@ public:
     // consumed, logged and left out of the row.
     void ParseIntegerfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row);
     void ParseDecimalfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row);
-    // With wide true only prints the 'S' message and reads nothing.
+    // With wide true (S) only prints the 'S' message and reads nothing.
     void ParseStringfmt(ZO_BOOL wide, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row);
 
 private:
     // Handles the letter at one position of a pass: 0, or -1 for an invalid letter.
     int RenderField(char letter, unsigned int& tagIndex, const Array<std::string>& tags, std::string& row);
-    // Reads the value of the number letter and appends its field; a text the
-    // formatting refuses is logged as renderer's, at line.
-    void RenderNumber(char letter, const char* renderer, unsigned int line, const std::string& tag, std::string& row);
+    // Reads the letter's value and appends its field: a number as the row's
+    // print formats it (a text the formatting refuses is logged as renderer's,
+    // at line, and no field added), a text as it is. A letter without a value
+    // (S) only prints its message.
+    void RenderValue(const ZoFormatLetter& format, const char* renderer, unsigned int line, const std::string& tag,
+                     std::string& row);
     static void AppendField(const std::string& tag, const char* text, std::string& row);
 
     const android::Parcel& m_parcel;
