@@ -62,15 +62,13 @@ int Printer::RenderField(char letter, unsigned int& tagIndex, const Array<std::s
         puts("invalid fmt info!");
         return -1;
     }
-    if (!format->supported) {
-        puts(kZoFormatNoSupportS);
-    } else if (OfPair(letter, 'd')) {
+    if (OfPair(letter, 'd')) {
         ParseIntegerfmt(format->wide, tagIndex, tags, row);
     } else if (OfPair(letter, 'f')) {
         ParseDecimalfmt(format->wide, tagIndex, tags, row);
     } else if (OfPair(letter, 's')) {
         ParseStringfmt(format->wide, tagIndex, tags, row);
-    } else {
+    } else {  // a letter of no pair
         RenderValue(*format, "Fmt", __LINE__, tags[tagIndex], row);
     }
     return 0;
