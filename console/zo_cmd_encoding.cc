@@ -14,19 +14,12 @@
 // ParseIntegerCmd (d, D) and ParseStringCmd (s, S) take the letter of their
 // pair by a ZO_BOOL, true for the wide one; every other letter goes through
 // ParseCmdSub. All of them encode with the same row functions.
-#include <cctype>
 #include <cstdio>
 
 #include "zo_cmd_debug.h"
 #include "zo_format_letters.h"
 
 namespace {
-
-// True for both letters of the pair of narrow (d: d and D).
-bool OfPair(char letter, char narrow)
-{
-    return std::tolower(static_cast<unsigned char>(letter)) == narrow;
-}
 
 // Encodes the next argument by the letter's row. A letter without an encoding
 // (S) prints its message and takes nothing; an argument that cannot be read
@@ -71,7 +64,7 @@ int ZoCmdDebug::ParseCmd(const char* cmd, android::Parcel& parcel, std::istrings
             puts("para format err.");
             return -1;
         }
-        if (OfPair(paraFmt[i], 'd')) {
+        if (ZoFormatInPair(paraFmt[i], 'd')) {
             const int ret = ParseIntegerCmd(format->wide, ok, args, parcel);
             if (ret != 0) {
                 puts("call failed");
@@ -95,12 +88,12 @@ int ZoCmdDebug::ParseCmd(const char* cmd, android::Parcel& parcel, std::istrings
 int ZoCmdDebug::ParseCmdSub(char letter, ZO_BOOL& ok, std::istringstream& args, android::Parcel& parcel)
 {
     const ZoFormatLetter* format = ZoFormatLetterOf(letter);
-    if (format == nullptr || OfPair(letter, 'd')) {
+    if (format == nullptr || ZoFormatInPair(letter, 'd')) {
         puts("para format err.");
         return -1;
     }
-    const int ret = OfPair(letter, 's') ? ParseStringCmd(format->wide, ok, args, parcel)
-                                        : EncodeArgument(*format, ok, args, parcel);
+    const int ret = ZoFormatInPair(letter, 's') ? ParseStringCmd(format->wide, ok, args, parcel)
+                                                : EncodeArgument(*format, ok, args, parcel);
     if (ret != 0) {
         puts("call failed");
     }

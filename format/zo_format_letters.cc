@@ -243,9 +243,16 @@ const ZoFormatLetter* ZoFormatLetterOf(char letter)
     return nullptr;
 }
 
+// The wide variant of a letter is its capital.
 const ZoFormatLetter& ZoFormatLetterOfPair(char narrow, bool wide)
 {
     return *ZoFormatLetterOf(wide ? static_cast<char>(std::toupper(static_cast<unsigned char>(narrow))) : narrow);
+}
+
+bool ZoFormatInPair(char letter, char narrow)
+{
+    const ZoFormatLetter* row = ZoFormatLetterOf(letter);
+    return row != nullptr && row == &ZoFormatLetterOfPair(narrow, row->wide);
 }
 
 std::string ZoFormatQuote(const std::string& text)

@@ -96,6 +96,8 @@ const ZoFormatLetter* ZoFormatLetterOf(char letter);
 // or S (wide true), as the encoder's and the printer's functions name a letter
 // of a pair by their ZO_BOOL argument. narrow must be d, f or s.
 const ZoFormatLetter& ZoFormatLetterOfPair(char narrow, bool wide);
+// True when letter is narrow or its wide variant (d: d and D).
+bool ZoFormatInPair(char letter, char narrow);
 
 // The text in double quotes as a request line shows it: '"' and '\\' after a
 // backslash, every byte outside printable ASCII (0x20 to 0x7e) as \xHH with

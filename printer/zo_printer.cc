@@ -1,6 +1,5 @@
 #include "zo_printer.h"
 
-#include <cctype>
 #include <cstdio>
 #include <cstring>
 
@@ -12,13 +11,6 @@ const char* const kSeparator = "===========================";
 const char* const kLogTag = "ZoMW_Zo_cmd_pri";
 // Numbers are formatted into a buffer of this size, terminator included.
 constexpr size_t kTextSize = 256;
-
-// True for both letters of the pair of narrow (d: d and D), whose renderer's
-// ZO_BOOL takes the wide one.
-bool OfPair(char letter, char narrow)
-{
-    return std::tolower(static_cast<unsigned char>(letter)) == narrow;
-}
 
 }  // namespace
 
@@ -62,11 +54,11 @@ int Printer::RenderField(char letter, unsigned int& tagIndex, const Array<std::s
         puts("invalid fmt info!");
         return -1;
     }
-    if (OfPair(letter, 'd')) {
+    if (ZoFormatInPair(letter, 'd')) {
         ParseIntegerfmt(format->wide, tagIndex, tags, row);
-    } else if (OfPair(letter, 'f')) {
+    } else if (ZoFormatInPair(letter, 'f')) {
         ParseDecimalfmt(format->wide, tagIndex, tags, row);
-    } else if (OfPair(letter, 's')) {
+    } else if (ZoFormatInPair(letter, 's')) {
         ParseStringfmt(format->wide, tagIndex, tags, row);
     } else {  // a letter of no pair
         RenderValue(*format, "Fmt", __LINE__, tags[tagIndex], row);
