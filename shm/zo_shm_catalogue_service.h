@@ -73,6 +73,9 @@ public:
     // formats that is no format letter, or a command whose code another
     // command answers (see "Shared codes").
     int Register(const std::string& module, const std::string& word, CommandHandler handler, std::string* error);
+    // The page level's Register by instruction code stays available: its
+    // handler replaces the catalogue's for that code.
+    using ZoShmService::Register;
 
     // Every command of the catalogue, in the order above.
     const std::vector<ZoShmCommand>& Commands() const { return m_commands; }
