@@ -107,9 +107,10 @@ public:
     {
         m_service.Open(path, nullptr);
         m_service.Register(1, WriteValues);
+        m_service.SetPollMs(1);
         m_thread = std::thread([this] {
             while (!m_stop) {
-                if (m_service.WaitForRequest(10, 1)) {
+                if (m_service.WaitForRequest(10)) {
                     m_service.ServeOne();
                 }
             }

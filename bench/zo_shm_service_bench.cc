@@ -1,4 +1,7 @@
 // What the service library costs a TV, at its default poll period:
+// - one request served, CPU: posted and served in one thread (ServeOne), by a
+//   handler at the page level and by one at the catalogue level, which also
+//   decodes the argument and checks the reply against the formats ("vol 30");
 // - the idle service: the CPU time of a thread that serves an unused page for
 //   10 s, as a share of one core (target: well under 0.5%);
 // - an answer: the time from a request posted to its reply flag on the page,
@@ -20,6 +23,7 @@
 #include <benchmark/benchmark.h>
 
 #include "temp_dir.h"
+#include "zo_shm_catalogue_service.h"
 #include "zo_shm_console.h"
 #include "zo_shm_service.h"
 
@@ -106,6 +110,48 @@ void BM_RequestToReply(benchmark::State& state)
     munmap(page, SHM_SIZE);
 }
 BENCHMARK(BM_RequestToReply)->Iterations(300)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// "vol 30" posted and served, state.range(0) == 1 through the catalogue level.
+void BM_ServeOne(benchmark::State& state)
+{
+    TempDir dir;
+    dir.Write("mods.conf", "[Sound]\ncommand = snd\ninstruction = 0x30\n");
+    dir.Write("cmds.conf", "[v]\ncommand = vol\nbelong module = Sound\ninstruction = 0x31\npara format = d\n"
+                           "print format = d\n");
+    ZoShmCatalogueService service;
+    int32_t volume = 0;
+    bool ok = false;
+    if (state.range(0) == 1) {
+        ok = service.Load(dir.Path(), nullptr) == 0 &&
+             service.Register("Sound", "vol", [&volume](const ZoShmArgs& args, ZoShmReply& reply) {
+                 volume = args.Int32(0);
+                 reply.PutInt32(volume);
+                 return 0;
+             }, nullptr) == 0;
+    } else {
+        service.Register(0x31, [&volume](const android::Parcel& args, android::Parcel& values) {
+            volume = args.readInt32();
+            return values.writeInt32(volume);
+        });
+        ok = true;
+    }
+    if (!ok || service.Open(ShmSwapFilePath(dir.Path()), nullptr) != 0) {
+        state.SkipWithError("cannot load the catalogue or open the swap file");
+        return;
+    }
+    void* page = const_cast<void*>(service.Page());
+    android::Parcel request;
+    request.writeInt32(0x31);
+    request.writeInt32(30);
+    for (auto _ : state) {
+        ShmPostRequest(page, request);
+        if (service.ServeOne().status != 0) {
+            state.SkipWithError("not answered");
+            return;
+        }
+    }
+}
+BENCHMARK(BM_ServeOne)->Arg(0)->Arg(1);
 
 }  // namespace
 

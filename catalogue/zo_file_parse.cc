@@ -1,6 +1,7 @@
 // The catalogue's tables: loading both files, entering records, and the lookups.
 #include "zo_file_parse.h"
 
+#include <cstdarg>
 #include <cstdio>
 #include <utility>
 
@@ -23,16 +24,36 @@ void ZoFileParse::SetObserver(ZoFileParseObserver* observer)
     m_pObserver = observer;
 }
 
+void ZoFileParse::SetMessageSink(MessageSink sink)
+{
+    m_sink = std::move(sink);
+}
+
+void ZoFileParse::Say(const char* format, ...) const
+{
+    va_list args;
+    va_start(args, format);
+    if (!m_sink) {
+        std::vprintf(format, args);
+        std::putchar('\n');
+    } else {
+        char text[512];  // the longest message holds one row part of at most 255 bytes
+        std::vsnprintf(text, sizeof text, format, args);
+        m_sink(text);
+    }
+    va_end(args);
+}
+
 int ZoFileParse::Init(const std::string& dir)
 {
     // Modules first: command records attach to modules already entered, so
     // "cmds.conf" is read even when "mods.conf" failed (its commands then drop).
     if (ParseModules(dir) != 0) {
-        puts("ParseModules fail");
+        Say("ParseModules fail");
         m_s32IOExceptionStatus = 1;
     }
     if (ParseCmds(dir) != 0) {
-        puts("ParseCmds fail");
+        Say("ParseCmds fail");
         m_s32IOExceptionStatus = 1;
     }
     return m_s32IOExceptionStatus == 0 ? 0 : -1;

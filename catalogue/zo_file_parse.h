@@ -14,6 +14,11 @@
 // An optional observer (zo_file_parse_observer.h) watches the load row by row;
 // without one the load does no more than described above.
 //
+// The load's messages ("cmds.conf is empty!" and the others) are lines printed
+// on standard output, each ended by a line feed; a program whose standard
+// output carries something else gives a message sink instead, which receives
+// each line without its line feed. The process's descriptors are never touched.
+//
 // Not thread-safe: filled and read by the console's main thread only.
 #ifndef ZO_CATALOGUE_ZO_FILE_PARSE_H
 #define ZO_CATALOGUE_ZO_FILE_PARSE_H
@@ -84,14 +89,21 @@ public:
     static constexpr size_t kMaxKeyPart = 255;
     static constexpr size_t kMaxValue = 254;
 
+    // Receives one message of the load, without a line feed.
+    using MessageSink = std::function<void(const std::string& message)>;
+
     ZoFileParse();
+
+    // Sends the messages of the next Init to sink instead of standard output;
+    // an empty sink (the default) prints them there.
+    void SetMessageSink(MessageSink sink);
 
     // Lets observer watch the next Init; null (the default) for none. The
     // observer is borrowed and must outlive Init.
     void SetObserver(ZoFileParseObserver* observer);
 
     // Reads "mods.conf", then "cmds.conf" (also when the first failed) from
-    // dir; messages go to standard output. The result is not meaningful: the
+    // dir; messages go to the message sink, or standard output without one. The result is not meaningful: the
     // outcome is read with GetIOExceptionStatus.
     int Init(const std::string& dir);
     // 0 when both files were read, 1 when either failed.
@@ -119,7 +131,22 @@ private:
     static constexpr size_t kRowBufSize = kMaxTitleRow + 1;
     static_assert(kMaxKeyPart + 1 == kRowBufSize && kMaxValue + 2 == kRowBufSize, "one row buffer for every part");
 
+    // What differs between the two files when they are opened and read
+    // (zo_file_parse_reader.cc).
+    struct FileNames;
+    static const FileNames kModsFile;
+    static const FileNames kCmdsFile;
+
+    // One message of the load: printf's format without a line feed, and its
+    // arguments; to the sink, or printed with a line feed.
+    void Say(const char* format, ...) const __attribute__((format(printf, 2, 3)));
+
     // --- Reading the files (zo_file_parse_reader.cc) ---
+    // Opens the file, or says why not and returns null.
+    std::unique_ptr<ZoFile> OpenRows(const std::string& dir, const FileNames& names) const;
+    // Judges a block reader's result; the reader is released here unless the
+    // block reader already released it.
+    int FinishFile(std::unique_ptr<ZoFile>& file, int ret, const FileNames& names) const;
     // 0 when the file was read to its end; -1 after a missing or empty file or
     // a failed block reader, with the message printed.
     int ParseModules(const std::string& dir);
@@ -133,15 +160,16 @@ private:
     // is no key row of the file), closeBlock enters and resets the record
     // being filled, given the row of its title. fileName and keyOf (which
     // names a row's key without setting anything) serve the observer only.
-    int ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName, Key (*keyOf)(const std::string&),
+    int ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName,
+                    Key (ZoFileParse::*keyOf)(const std::string&) const,
                     const std::function<void(const std::string&)>& openBlock,
                     const std::function<Key(const std::string&)>& setKey, const std::function<void(int)>& closeBlock);
     // The first key of the file that names the row; SetModKey and SetCmdKey
     // also set its field.
-    static Key ModKeyOf(const std::string& row);
-    static Key CmdKeyOf(const std::string& row);
-    static Key SetModKey(const std::string& row, ZoModInfo& mod);
-    static Key SetCmdKey(const std::string& row, ZoCmdInfo& cmd);
+    Key ModKeyOf(const std::string& row) const;
+    Key CmdKeyOf(const std::string& row) const;
+    Key SetModKey(const std::string& row, ZoModInfo& mod) const;
+    Key SetCmdKey(const std::string& row, ZoCmdInfo& cmd) const;
     // Tells the observer of a key row just taken and what became of its
     // value, from the outcome of the same extraction.
     void ObserveKey(const char* fileName, int rowNumber, const std::string& row, Key key) const;
@@ -167,7 +195,7 @@ private:
     static constexpr size_t kRefused = static_cast<size_t>(-1);
     // True when the trimmed row is "[...]"; a row of kRowBufSize bytes or more
     // is reported and is no title.
-    static bool IsBlockTitile(const std::string& row);
+    bool IsBlockTitile(const std::string& row) const;
     // The text between the brackets of a title row, untrimmed; empty otherwise.
     static std::string GetBlockTitile(const std::string& row);
 
@@ -175,33 +203,34 @@ private:
     // The first of the count keys, tried in order, that names the row, or
     // kNone. A key part too long for the row buffer names none, and is
     // reported once for every key tried ("IsCommand string str.size(): ...").
-    static Key KeyOf(const std::string& row, const Key* keys, size_t count);
+    Key KeyOf(const std::string& row, const Key* keys, size_t count) const;
 
     // Values: the trimmed text after the first "="; a value that does not fit
     // the row buffer is reported and yields the empty value.
-    static std::string GetCommand(const std::string& row);
-    static std::string GetDescription(const std::string& row);
-    static std::string GetBelongMod(const std::string& row);
-    static std::string GetPrintFmt(const std::string& row);
-    static std::string GetParaFormat(const std::string& row);
+    std::string GetCommand(const std::string& row) const;
+    std::string GetDescription(const std::string& row) const;
+    std::string GetBelongMod(const std::string& row) const;
+    std::string GetPrintFmt(const std::string& row) const;
+    std::string GetParaFormat(const std::string& row) const;
     // Hexadecimal, clamped to 32 bits; 0 for a value without a digit.
-    static int32_t GetInstruction(const std::string& row);
+    int32_t GetInstruction(const std::string& row) const;
     // Reads a trimmed "instruction" value as GetInstruction does, without a
     // message; false when it holds no hexadecimal number.
     static bool ReadInstruction(const char* text, int32_t& value);
     // Split at every ",", untrimmed; an empty value gives one empty tag.
-    static Array<std::string> GetPrintTags(const std::string& row);
+    Array<std::string> GetPrintTags(const std::string& row) const;
     // The one extraction behind the seven: fills buf with the trimmed value
     // and returns 0, or leaves buf empty and returns 1 for a value too long
     // (reported with tooLongFormat unless it is null) and -1 when the copy
     // was refused.
-    static int GetValue(const std::string& row, const char* tooLongFormat, char (&buf)[kRowBufSize]);
-    static std::string GetText(const std::string& row, const char* tooLongFormat);
+    int GetValue(const std::string& row, const char* tooLongFormat, char (&buf)[kRowBufSize]) const;
+    std::string GetText(const std::string& row, const char* tooLongFormat) const;
 
     std::map<std::string, ZoModInfo> m_mapModInfo;
     std::map<int32_t, std::map<std::string, ZoCmdInfo>> m_mapCmdInfo;
     int32_t m_s32IOExceptionStatus;
     ZoFileParseObserver* m_pObserver;
+    MessageSink m_sink;
 };
 
 #endif  // ZO_CATALOGUE_ZO_FILE_PARSE_H

@@ -12,54 +12,48 @@
 #include <cstdio>
 #include <utility>
 
-namespace {
-
-// What differs between the two files when they are opened and read.
-struct FileNames {
+struct ZoFileParse::FileNames {
     const char* fileName;      // appended to the directory after a "/"
     const char* emptyMessage;  // the file holds no rows
     const char* failedFormat;  // the block reader failed, with its result
 };
 
-constexpr FileNames kModsFile = {"mods.conf", "mods.conf is empty!", "ParseModulePtr call failed ,ret = %d\n"};
-constexpr FileNames kCmdsFile = {"cmds.conf", "cmds.conf is empty!", "ParseCmdPtr call failed ,ret = %d\n"};
+const ZoFileParse::FileNames ZoFileParse::kModsFile = {"mods.conf", "mods.conf is empty!",
+                                                       "ParseModulePtr call failed ,ret = %d"};
+const ZoFileParse::FileNames ZoFileParse::kCmdsFile = {"cmds.conf", "cmds.conf is empty!",
+                                                       "ParseCmdPtr call failed ,ret = %d"};
 
-// Opens the file, or prints why not and returns null.
-std::unique_ptr<ZoFile> OpenRows(const std::string& dir, const FileNames& names, ZoFileParseObserver* observer)
+std::unique_ptr<ZoFile> ZoFileParse::OpenRows(const std::string& dir, const FileNames& names) const
 {
     std::unique_ptr<ZoFile> file(new ZoFile());
     file->Init(dir + "/" + names.fileName, "r");
     if (file->GetIOExceptionStatus() != 0) {
-        puts("file path error or open file failure");
+        Say("file path error or open file failure");
         return nullptr;
     }
     if (file->IsEmpty()) {
-        puts(names.emptyMessage);
-        if (observer != nullptr) {
-            observer->OnFileEmpty(names.fileName);
+        Say("%s", names.emptyMessage);
+        if (m_pObserver != nullptr) {
+            m_pObserver->OnFileEmpty(names.fileName);
         }
         return nullptr;
     }
     return file;
 }
 
-// Judges a block reader's result; the reader is released here unless the
-// block reader already released it.
-int FinishFile(std::unique_ptr<ZoFile>& file, int ret, const FileNames& names)
+int ZoFileParse::FinishFile(std::unique_ptr<ZoFile>& file, int ret, const FileNames& names) const
 {
     file.reset();
     if (ret != 0) {
-        printf(names.failedFormat, ret);
+        Say(names.failedFormat, ret);
         return -1;
     }
     return 0;
 }
 
-}  // namespace
-
 int ZoFileParse::ParseModules(const std::string& dir)
 {
-    std::unique_ptr<ZoFile> file = OpenRows(dir, kModsFile, m_pObserver);
+    std::unique_ptr<ZoFile> file = OpenRows(dir, kModsFile);
     if (!file) {
         return -1;
     }
@@ -68,7 +62,7 @@ int ZoFileParse::ParseModules(const std::string& dir)
 
 int ZoFileParse::ParseCmds(const std::string& dir)
 {
-    std::unique_ptr<ZoFile> file = OpenRows(dir, kCmdsFile, m_pObserver);
+    std::unique_ptr<ZoFile> file = OpenRows(dir, kCmdsFile);
     if (!file) {
         return -1;
     }
@@ -79,8 +73,8 @@ int ZoFileParse::ParseModulePtr(std::unique_ptr<ZoFile>& file)
 {
     ZoModInfo mod;
     return ParseBlocks(
-        file, kModsFile.fileName, ModKeyOf, [&mod](const std::string& name) { mod.strName = name; },
-        [&mod](const std::string& row) { return SetModKey(row, mod); },
+        file, kModsFile.fileName, &ZoFileParse::ModKeyOf, [&mod](const std::string& name) { mod.strName = name; },
+        [this, &mod](const std::string& row) { return SetModKey(row, mod); },
         [this, &mod](int titleRow) {
             if (m_pObserver == nullptr) {
                 EnterModule(std::move(mod));
@@ -96,8 +90,8 @@ int ZoFileParse::ParseCmdPtr(std::unique_ptr<ZoFile>& file)
 {
     ZoCmdInfo cmd;
     return ParseBlocks(
-        file, kCmdsFile.fileName, CmdKeyOf, [&cmd](const std::string& name) { cmd.strName = name; },
-        [&cmd](const std::string& row) { return SetCmdKey(row, cmd); },
+        file, kCmdsFile.fileName, &ZoFileParse::CmdKeyOf, [&cmd](const std::string& name) { cmd.strName = name; },
+        [this, &cmd](const std::string& row) { return SetCmdKey(row, cmd); },
         [this, &cmd](int titleRow) {
             if (m_pObserver == nullptr) {
                 EnterCommand(std::move(cmd));
@@ -109,7 +103,8 @@ int ZoFileParse::ParseCmdPtr(std::unique_ptr<ZoFile>& file)
         });
 }
 
-int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName, Key (*keyOf)(const std::string&),
+int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName,
+                             Key (ZoFileParse::*keyOf)(const std::string&) const,
                              const std::function<void(const std::string&)>& openBlock,
                              const std::function<Key(const std::string&)>& setKey,
                              const std::function<void(int)>& closeBlock)
@@ -138,7 +133,7 @@ int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName
                     observer->OnBlockOpened(fileName, rowNumber, GetBlockTitile(row));
                 }
             } else if (observer != nullptr) {
-                observer->OnRowSkipped(fileName, rowNumber, row, keyOf(row));
+                observer->OnRowSkipped(fileName, rowNumber, row, (this->*keyOf)(row));
             }
             continue;
         }
@@ -156,7 +151,7 @@ int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName
         closeBlock(titleRow);
         blockOpen = false;
         if (file->RollBack() != 0) {
-            puts("rollBack failed");
+            Say("rollBack failed");
             file.reset();
             return -1;
         }
@@ -168,20 +163,20 @@ int ZoFileParse::ParseBlocks(std::unique_ptr<ZoFile>& file, const char* fileName
     return 0;
 }
 
-ZoFileParse::Key ZoFileParse::ModKeyOf(const std::string& row)
+ZoFileParse::Key ZoFileParse::ModKeyOf(const std::string& row) const
 {
     static const Key keys[] = {Key::kCommand, Key::kInstruction, Key::kDescription};
     return KeyOf(row, keys, sizeof keys / sizeof keys[0]);
 }
 
-ZoFileParse::Key ZoFileParse::CmdKeyOf(const std::string& row)
+ZoFileParse::Key ZoFileParse::CmdKeyOf(const std::string& row) const
 {
     static const Key keys[] = {Key::kCommand,     Key::kBelongModule, Key::kInstruction, Key::kParaFormat,
                                Key::kPrintFormat, Key::kPrintTags,    Key::kDescription};
     return KeyOf(row, keys, sizeof keys / sizeof keys[0]);
 }
 
-ZoFileParse::Key ZoFileParse::SetModKey(const std::string& row, ZoModInfo& mod)
+ZoFileParse::Key ZoFileParse::SetModKey(const std::string& row, ZoModInfo& mod) const
 {
     const Key key = ModKeyOf(row);
     switch (key) {
@@ -200,7 +195,7 @@ ZoFileParse::Key ZoFileParse::SetModKey(const std::string& row, ZoModInfo& mod)
     return key;
 }
 
-ZoFileParse::Key ZoFileParse::SetCmdKey(const std::string& row, ZoCmdInfo& cmd)
+ZoFileParse::Key ZoFileParse::SetCmdKey(const std::string& row, ZoCmdInfo& cmd) const
 {
     const Key key = CmdKeyOf(row);
     switch (key) {

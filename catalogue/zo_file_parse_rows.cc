@@ -70,10 +70,10 @@ size_t ZoFileParse::CopyTrimmed(const char* text, size_t length, char (&buf)[kRo
 // ---------------------------------------------------------------------------
 // Block titles
 
-bool ZoFileParse::IsBlockTitile(const std::string& row)
+bool ZoFileParse::IsBlockTitile(const std::string& row) const
 {
     if (row.size() > kMaxTitleRow) {
-        printf("str size:%d too large, max len:%d\n", static_cast<int>(row.size()), static_cast<int>(kRowBufSize));
+        Say("str size:%d too large, max len:%d", static_cast<int>(row.size()), static_cast<int>(kRowBufSize));
         return false;
     }
     // Most rows are key rows: look at the first letter before copying.
@@ -112,13 +112,13 @@ struct KeyText {
 KeyText TextOf(ZoFileParse::Key key)
 {
     switch (key) {
-        case ZoFileParse::Key::kCommand: return {"command", "IsCommand string str.size(): %d\n"};
-        case ZoFileParse::Key::kBelongModule: return {"belong module", "IsBelongMod string str.size(): %d]\n"};
-        case ZoFileParse::Key::kInstruction: return {"instruction", "IsInstruction string str.size(): %d\n"};
-        case ZoFileParse::Key::kParaFormat: return {"para format", "IsParaFormat string str.size(): %d\n"};
-        case ZoFileParse::Key::kPrintFormat: return {"print format", "IsPrintFmt string str.size(): %d\n"};
-        case ZoFileParse::Key::kPrintTags: return {"print tags", "IsPrintTags string str.size(): %d\n"};
-        case ZoFileParse::Key::kDescription: return {"description", "IsDescription string str.size(): %d\n"};
+        case ZoFileParse::Key::kCommand: return {"command", "IsCommand string str.size(): %d"};
+        case ZoFileParse::Key::kBelongModule: return {"belong module", "IsBelongMod string str.size(): %d]"};
+        case ZoFileParse::Key::kInstruction: return {"instruction", "IsInstruction string str.size(): %d"};
+        case ZoFileParse::Key::kParaFormat: return {"para format", "IsParaFormat string str.size(): %d"};
+        case ZoFileParse::Key::kPrintFormat: return {"print format", "IsPrintFmt string str.size(): %d"};
+        case ZoFileParse::Key::kPrintTags: return {"print tags", "IsPrintTags string str.size(): %d"};
+        case ZoFileParse::Key::kDescription: return {"description", "IsDescription string str.size(): %d"};
         case ZoFileParse::Key::kNone: break;
     }
     return {"", ""};
@@ -128,7 +128,7 @@ KeyText TextOf(ZoFileParse::Key key)
 
 // Every row of a block meets the key tests: the key part is found, trimmed
 // and copied once, then compared with each key in turn.
-ZoFileParse::Key ZoFileParse::KeyOf(const std::string& row, const Key* keys, size_t count)
+ZoFileParse::Key ZoFileParse::KeyOf(const std::string& row, const Key* keys, size_t count) const
 {
     const size_t n = row.find('=');
     if (n == std::string::npos) {
@@ -136,7 +136,7 @@ ZoFileParse::Key ZoFileParse::KeyOf(const std::string& row, const Key* keys, siz
     }
     if (n > kMaxKeyPart) {
         for (size_t i = 0; i < count; ++i) {
-            printf(TextOf(keys[i]).tooLongFormat, static_cast<int>(n));
+            Say(TextOf(keys[i]).tooLongFormat, static_cast<int>(n));
         }
         return Key::kNone;
     }
@@ -159,7 +159,7 @@ ZoFileParse::Key ZoFileParse::KeyOf(const std::string& row, const Key* keys, siz
 // ---------------------------------------------------------------------------
 // Values
 
-int ZoFileParse::GetValue(const std::string& row, const char* tooLongFormat, char (&buf)[kRowBufSize])
+int ZoFileParse::GetValue(const std::string& row, const char* tooLongFormat, char (&buf)[kRowBufSize]) const
 {
     buf[0] = '\0';
     const size_t n = row.find('=');
@@ -170,55 +170,55 @@ int ZoFileParse::GetValue(const std::string& row, const char* tooLongFormat, cha
     const size_t tail = row.size() - n;
     if (tail - 1 > kMaxValue) {
         if (tooLongFormat != nullptr) {
-            printf(tooLongFormat, static_cast<int>(tail));
+            Say(tooLongFormat, static_cast<int>(tail));
         }
         return 1;
     }
     return CopyTrimmed(row.data() + n + 1, tail - 1, buf) != kRefused ? 0 : -1;
 }
 
-std::string ZoFileParse::GetText(const std::string& row, const char* tooLongFormat)
+std::string ZoFileParse::GetText(const std::string& row, const char* tooLongFormat) const
 {
     char buf[kRowBufSize];
     GetValue(row, tooLongFormat, buf);
     return std::string(buf);
 }
 
-std::string ZoFileParse::GetCommand(const std::string& row)
+std::string ZoFileParse::GetCommand(const std::string& row) const
 {
-    return GetText(row, "GetCommand string size: %d\n");
+    return GetText(row, "GetCommand string size: %d");
 }
 
-std::string ZoFileParse::GetDescription(const std::string& row)
+std::string ZoFileParse::GetDescription(const std::string& row) const
 {
-    return GetText(row, "GetDescription string size: %d\n");
+    return GetText(row, "GetDescription string size: %d");
 }
 
-std::string ZoFileParse::GetBelongMod(const std::string& row)
+std::string ZoFileParse::GetBelongMod(const std::string& row) const
 {
-    return GetText(row, "GetBelongMod string size: %d\n");
+    return GetText(row, "GetBelongMod string size: %d");
 }
 
-std::string ZoFileParse::GetPrintFmt(const std::string& row)
+std::string ZoFileParse::GetPrintFmt(const std::string& row) const
 {
-    return GetText(row, "GetPrintFmt string size: %d\n");
+    return GetText(row, "GetPrintFmt string size: %d");
 }
 
-std::string ZoFileParse::GetParaFormat(const std::string& row)
+std::string ZoFileParse::GetParaFormat(const std::string& row) const
 {
-    return GetText(row, "GetParaFormat string size: %d\n");
+    return GetText(row, "GetParaFormat string size: %d");
 }
 
-int32_t ZoFileParse::GetInstruction(const std::string& row)
+int32_t ZoFileParse::GetInstruction(const std::string& row) const
 {
     char buf[kRowBufSize];
-    const int rc = GetValue(row, "GetInstruction string size: %d\n", buf);
+    const int rc = GetValue(row, "GetInstruction string size: %d", buf);
     if (rc != 0) {
         return rc > 0 ? 0 : -1;
     }
     int32_t value = 0;
     if (!ReadInstruction(buf, value)) {
-        printf("strtol:%s is not figure\n", buf);
+        Say("strtol:%s is not figure", buf);
     }
     return value;
 }
@@ -244,11 +244,11 @@ bool ZoFileParse::ReadInstruction(const char* text, int32_t& value)
     return true;
 }
 
-Array<std::string> ZoFileParse::GetPrintTags(const std::string& row)
+Array<std::string> ZoFileParse::GetPrintTags(const std::string& row) const
 {
     Array<std::string> tags;
     char buf[kRowBufSize];
-    if (GetValue(row, "GetPrintTags string size: %d\n", buf) != 0) {
+    if (GetValue(row, "GetPrintTags string size: %d", buf) != 0) {
         return tags;
     }
     // Every "," ends a tag, so a trailing "," leaves a last empty tag and an

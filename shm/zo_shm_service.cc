@@ -1,8 +1,10 @@
 #include "zo_shm_service.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <exception>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -70,13 +72,25 @@ std::vector<uint8_t> StatusAlone(int32_t status)
     return reply;
 }
 
+std::string Hex(int32_t code)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%x", static_cast<unsigned>(code));
+    return text;
+}
+
+bool SameRequest(void* page, const ZoShmRequest& request)
+{
+    return ShmLoadFlag(page) == request.u32Flag && ShmLoadSize(page) == request.u32Size &&
+           std::memcmp(ShmPayloadOf(page), request.payload, request.length) == 0;
+}
+
 }  // namespace
 
 ZoShmService::~ZoShmService()
 {
     Close();
 }
-
 int ZoShmService::Open(const std::string& path, std::string* error)
 {
     Close();
@@ -102,6 +116,8 @@ int ZoShmService::Open(const std::string& path, std::string* error)
         if (page != MAP_FAILED) {
             ::close(fd);
             m_page = page;
+            m_haveStale = false;
+            m_haveStale = TakeRequest(m_stale);
             return 0;
         }
         message = "can't map " + path + ": " + std::strerror(errno);
@@ -125,6 +141,13 @@ int ZoShmService::Close(std::string* error)
 
 void ZoShmService::Register(int32_t code, Handler handler)
 {
+    RegisterCode(code, [handler](const android::Parcel& args, android::Parcel& values, std::string&) {
+        return handler(args, values);
+    });
+}
+
+void ZoShmService::RegisterCode(int32_t code, CodeHandler handler)
+{
     m_handlers[code] = std::move(handler);
 }
 
@@ -133,10 +156,13 @@ bool ZoShmService::Pending() const
     return m_page != nullptr && ShmRequestPending(ShmLoadFlag(m_page));
 }
 
-bool ZoShmService::WaitForRequest(unsigned timeoutMs, unsigned pollMs) const
+bool ZoShmService::WaitForRequest(unsigned timeoutMs) const
 {
     const int64_t deadline = NowMs() + timeoutMs;
     for (;;) {
+        if (Stopped()) {
+            return false;
+        }
         if (Pending()) {
             return true;
         }
@@ -144,25 +170,47 @@ bool ZoShmService::WaitForRequest(unsigned timeoutMs, unsigned pollMs) const
         if (left <= 0) {
             return false;
         }
-        SleepMs(left < pollMs ? static_cast<unsigned>(left) : pollMs);
+        SleepMs(left < m_pollMs ? static_cast<unsigned>(left) : m_pollMs);
     }
 }
 
-bool ZoShmService::Serve(unsigned timeoutMs)
+ZoShmService::Outcome ZoShmService::Serve(unsigned timeoutMs)
 {
-    return WaitForRequest(timeoutMs) && ServeOne() == Served::kAnswered;
+    return WaitForRequest(timeoutMs) ? ServeOne() : Outcome();
 }
 
-ZoShmService::Served ZoShmService::ServeOne(int32_t* code)
+ZoShmService::Outcome ZoShmService::ServeOne()
 {
+    Outcome outcome;
     if (!TakeRequest(m_request)) {
-        return Served::kNothing;
+        return outcome;
     }
-    const std::vector<uint8_t> reply = BuildReply(m_request, code);
-    return PostReply(m_request, reply.data(), reply.size());
+    const std::vector<uint8_t> reply = Dispatch(m_request, &outcome);
+    outcome.served = PostReply(m_request, reply.data(), reply.size());
+    return outcome;
 }
 
-bool ZoShmService::TakeRequest(ZoShmRequest& request) const
+std::vector<uint8_t> ZoShmService::Dispatch(const uint8_t* request, size_t length, Outcome* outcome)
+{
+    Outcome done;
+    std::vector<uint8_t> reply = Reply(request, length, length, false, done);
+    if (outcome != nullptr) {
+        *outcome = std::move(done);
+    }
+    return reply;
+}
+
+std::vector<uint8_t> ZoShmService::Dispatch(const ZoShmRequest& request, Outcome* outcome)
+{
+    Outcome done;
+    std::vector<uint8_t> reply = Reply(request.payload, request.length, request.u32Size, request.stale, done);
+    if (outcome != nullptr) {
+        *outcome = std::move(done);
+    }
+    return reply;
+}
+
+bool ZoShmService::TakeRequest(ZoShmRequest& request)
 {
     if (m_page == nullptr) {
         return false;
@@ -174,19 +222,33 @@ bool ZoShmService::TakeRequest(ZoShmRequest& request) const
     request.u32Size = ShmLoadSize(m_page);
     request.length = request.u32Size < SHM_DATA_SIZE ? request.u32Size : static_cast<uint32_t>(SHM_DATA_SIZE);
     std::memcpy(request.payload, ShmPayloadOf(m_page), request.length);
+    // Once: a console that sends the same bytes again later sends a new request.
+    request.stale = m_haveStale && request.u32Flag == m_stale.u32Flag && request.u32Size == m_stale.u32Size &&
+                    std::memcmp(request.payload, m_stale.payload, request.length) == 0;
+    m_haveStale = false;
     return true;
 }
 
-ZoShmService::Served ZoShmService::PostReply(const ZoShmRequest& answered, const uint8_t* reply, size_t length,
-                                             const uint32_t* claimedSize)
+ZoShmService::Served ZoShmService::PostReply(const ZoShmRequest& answered, const uint8_t* reply, size_t length)
 {
-    int32_t tooLong = kStatusBadRequest;
+    return Post(answered, reply, length, nullptr);
+}
+
+ZoShmService::Served ZoShmService::PostReplyClaiming(const ZoShmRequest& answered, const uint8_t* reply,
+                                                     size_t length, uint32_t claimedSize)
+{
+    return Post(answered, reply, length, &claimedSize);
+}
+
+ZoShmService::Served ZoShmService::Post(const ZoShmRequest& answered, const uint8_t* reply, size_t length,
+                                        const uint32_t* claimedSize)
+{
+    int32_t tooLong = kStatusReplyTooLong;
     if (length > SHM_DATA_SIZE) {
         reply = reinterpret_cast<const uint8_t*>(&tooLong);
         length = sizeof tooLong;
     }
-    if (m_page == nullptr || ShmLoadFlag(m_page) != answered.u32Flag || ShmLoadSize(m_page) != answered.u32Size ||
-        std::memcmp(ShmPayloadOf(m_page), answered.payload, answered.length) != 0) {
+    if (m_page == nullptr || !SameRequest(m_page, answered)) {
         return Served::kDropped;
     }
     if (length != 0) {
@@ -204,22 +266,55 @@ void ZoShmService::DropRequest()
     }
 }
 
-std::vector<uint8_t> ZoShmService::BuildReply(const ZoShmRequest& request, int32_t* code)
+std::vector<uint8_t> ZoShmService::Reply(const uint8_t* bytes, size_t length, size_t size, bool stale,
+                                         Outcome& outcome)
 {
-    int32_t requestCode = -1;
-    int32_t result = kStatusBadRequest;
+    outcome = Outcome();
+    if (size > SHM_DATA_SIZE) {
+        outcome.status = kStatusBadRequest;
+        outcome.problem = "a request of " + std::to_string(size) + " bytes, more than the page's " +
+                          std::to_string(SHM_DATA_SIZE);
+        return StatusAlone(outcome.status);
+    }
+    if (length < sizeof(int32_t)) {
+        outcome.status = kStatusBadRequest;
+        outcome.problem = "a request of " + std::to_string(length) + " bytes, too short for an instruction code";
+        return StatusAlone(outcome.status);
+    }
     android::Parcel args, values;
-    if (request.u32Size <= SHM_DATA_SIZE && request.length >= sizeof(int32_t)) {
-        args.setData(request.payload, request.length);
-        requestCode = args.readInt32();
-        const auto handler = m_handlers.find(requestCode);
-        result = handler == m_handlers.end() ? kStatusUnknownCode : handler->second(args, values);
+    args.setData(bytes, length);
+    outcome.code = args.readInt32();
+    const auto handler = m_handlers.find(outcome.code);
+    if (stale && !m_serveStale) {
+        outcome.status = kStatusStaleRequest;
+        outcome.problem = "instruction " + Hex(outcome.code) + " was pending before the page was opened: not run";
+    } else if (handler == m_handlers.end()) {
+        outcome.status = kStatusNoHandler;
+        outcome.problem = "no handler for instruction " + Hex(outcome.code);
+    } else {
+        try {
+            outcome.status = handler->second(args, values, outcome.problem);
+        } catch (const std::exception& e) {
+            outcome.status = kStatusHandlerFailed;
+            outcome.problem = "the handler of instruction " + Hex(outcome.code) + " threw: " + e.what();
+        } catch (...) {
+            outcome.status = kStatusHandlerFailed;
+            outcome.problem = "the handler of instruction " + Hex(outcome.code) + " threw";
+        }
     }
-    if (code != nullptr) {
-        *code = requestCode;
+    if (outcome.status != 0) {
+        return StatusAlone(outcome.status);
     }
-    std::vector<uint8_t> reply = StatusAlone(result);
-    if (result == 0 && values.dataSize() != 0) {
+    outcome.problem.clear();
+    std::vector<uint8_t> reply = StatusAlone(0);
+    if (values.dataSize() > SHM_DATA_SIZE - reply.size()) {
+        outcome.status = kStatusReplyTooLong;
+        outcome.problem = "the reply to instruction " + Hex(outcome.code) + " takes " +
+                          std::to_string(reply.size() + values.dataSize()) + " bytes, more than the page's " +
+                          std::to_string(SHM_DATA_SIZE);
+        return StatusAlone(outcome.status);
+    }
+    if (values.dataSize() != 0) {
         reply.insert(reply.end(), values.data(), values.data() + values.dataSize());
     }
     return reply;

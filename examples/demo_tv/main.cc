@@ -11,8 +11,7 @@
 
 #include "tv_service.h"
 #include "tv_state.h"
-#include "zo_file_parse_quiet_load.h"
-#include "zo_shm_service.h"
+#include "zo_shm_catalogue_service.h"
 
 namespace {
 
@@ -24,7 +23,8 @@ const char kUsage[] =
     "TV would, keeping its channel, settings and log level between them. Each\n"
     "command answers the instruction code that the catalogue in DIR (mods.conf,\n"
     "cmds.conf) gives it. One line per request goes to standard output: the command\n"
-    "word, its arguments and what was answered, e.g. 'vol 30 -> volume 30'.\n"
+    "word, its arguments and what was answered, e.g. 'vol 30 -> volume 30', or why\n"
+    "the service library answered by itself (a request that does not decode).\n"
     "\n"
     "Refusals: status 1 for a value out of range (or an unknown log level), 2 for\n"
     "a channel that does not exist, 3 for a rename, which gets no name.\n"
@@ -32,11 +32,11 @@ const char kUsage[] =
     "Ends on SIGINT or SIGTERM with status 0; a swap file it cannot open, or a\n"
     "catalogue without any of its commands, exits with 1, a usage error with 2.\n";
 
-volatile sig_atomic_t g_stop = 0;
+ZoShmCatalogueService* g_service = nullptr;
 
 void OnStopSignal(int)
 {
-    g_stop = 1;
+    g_service->Stop();
 }
 
 int UsageError(const std::string& error)
@@ -63,33 +63,35 @@ int main(int argc, char* argv[])
         return UsageError("'" + dir + "' is not a directory");
     }
 
-    ZoFileParse catalogue;
-    LoadCatalogueWithMessagesTo(catalogue, dir, STDERR_FILENO);
-    ZoShmService service;
+    ZoShmCatalogueService service;
+    std::string error;
+    // The catalogue's own messages go to standard error: standard output carries the request log.
+    service.Load(dir, nullptr, [](const std::string& message) { std::fprintf(stderr, "%s\n", message.c_str()); });
     TvService tvService(tv, stdout);
     std::vector<std::string> warnings;
-    if (tvService.Register(catalogue, service, warnings) == 0) {
+    const size_t served = tvService.Register(service, warnings);
+    for (const std::string& warning : warnings) {
+        std::fprintf(stderr, "zo_demo_tv: %s\n", warning.c_str());
+    }
+    if (served == 0) {
         std::fprintf(stderr, "zo_demo_tv: the catalogue in %s holds none of the TV's commands: nothing to serve\n",
                      dir.c_str());
         return 1;
     }
-    for (const std::string& warning : warnings) {
-        std::fprintf(stderr, "zo_demo_tv: %s\n", warning.c_str());
-    }
 
+    g_service = &service;
     struct sigaction action {};
     action.sa_handler = OnStopSignal;
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 
-    std::string error;
     if (service.Open(ShmSwapFilePath(dir), &error) != 0) {
         std::fprintf(stderr, "zo_demo_tv: %s\n", error.c_str());
         return 1;
     }
-    while (g_stop == 0) {
-        service.Serve(100);  // a bounded wait, so that a stop signal is seen within 100 ms
+    while (!service.Stopped()) {
+        tvService.Log(service.Serve(1000));  // Stop ends the wait within a poll period
     }
     if (service.Close(&error) != 0) {
         std::fprintf(stderr, "zo_demo_tv: %s\n", error.c_str());

@@ -17,25 +17,6 @@ constexpr int64_t kMaxSeekMs = 24 * 3600 * 1000;
 constexpr int64_t kPtsPerMs = 90;  // presentation time stamps count at 90 kHz
 
 template <typename T>
-ZoFormatValue Value(T value)
-{
-    ZoFormatValue v;
-    if constexpr (std::is_integral<T>::value) {
-        v.integer = value;
-    } else {
-        v.real = value;
-    }
-    return v;
-}
-
-ZoFormatValue Value(const std::string& text)
-{
-    ZoFormatValue v;
-    v.text = text;
-    return v;
-}
-
-template <typename T>
 std::string Show(T value)
 {
     char text[32];
@@ -47,130 +28,148 @@ std::string Show(T value)
     return text;
 }
 
-TvAnswer Refuse(int32_t status, const std::string& why)
+int32_t Refuse(int32_t status, const std::string& why, std::string& said)
 {
-    return {status, {}, "refused: " + why};
+    said = "refused: " + why;
+    return status;
 }
+
+void Put(ZoShmReply& reply, int32_t value) { reply.PutInt32(value); }
+void Put(ZoShmReply& reply, float value) { reply.PutFloat(value); }
+void Put(ZoShmReply& reply, double value) { reply.PutDouble(value); }
 
 // Stores value in setting and answers it when it lies in [low, high]; NaN does not.
 template <typename T>
-TvAnswer Set(T& setting, T value, T low, T high, const char* name)
+int32_t Set(T& setting, T value, T low, T high, const char* name, ZoShmReply& reply, std::string& said)
 {
     if (!(value >= low && value <= high)) {
-        return Refuse(kTvRefusedValue, "out of range " + Show(low) + " to " + Show(high));
+        return Refuse(kTvRefusedValue, "out of range " + Show(low) + " to " + Show(high), said);
     }
     setting = value;
-    return {0, {Value(setting)}, std::string(name) + " " + Show(setting)};
+    Put(reply, setting);
+    said = std::string(name) + " " + Show(setting);
+    return 0;
 }
 
-int32_t Int32(const ZoFormatValue& v)
-{
-    return static_cast<int32_t>(v.integer);  // read by d: it fits
-}
-
-TvAnswer Count(TvState&, const TvArgs&, int64_t)
+int32_t Count(TvState&, const ZoShmArgs&, ZoShmReply& reply, int64_t, std::string& said)
 {
     const int32_t count = static_cast<int32_t>(TvChannels().size());
-    return {0, {Value(count)}, Show(count) + " channels"};
+    reply.PutInt32(count);
+    said = Show(count) + " channels";
+    return 0;
 }
 
-std::vector<ZoFormatValue> ChannelRow(const TvChannel& channel)
+void PutChannel(ZoShmReply& reply, const TvChannel& channel)
 {
-    return {Value(channel.number), Value(channel.frequencyKHz), Value(std::string(channel.name))};
+    reply.PutInt32(channel.number);
+    reply.PutInt32(channel.frequencyKHz);
+    reply.PutText(channel.name);
 }
 
-TvAnswer Info(TvState&, const TvArgs& args, int64_t)
+int32_t Info(TvState&, const ZoShmArgs& args, ZoShmReply& reply, int64_t, std::string& said)
 {
-    const TvChannel* channel = FindTvChannel(Int32(args[0]));
+    const TvChannel* channel = FindTvChannel(args.Int32(0));
     if (channel == nullptr) {
-        return Refuse(kTvRefusedNoChannel, "no channel " + Show(Int32(args[0])));
+        return Refuse(kTvRefusedNoChannel, "no channel " + Show(args.Int32(0)), said);
     }
-    return {0, ChannelRow(*channel),
-            "channel " + Show(channel->number) + " " + Show(channel->frequencyKHz) + " kHz " + channel->name};
+    PutChannel(reply, *channel);
+    said = "channel " + Show(channel->number) + " " + Show(channel->frequencyKHz) + " kHz " + channel->name;
+    return 0;
 }
 
-TvAnswer List(TvState&, const TvArgs&, int64_t)
+int32_t List(TvState&, const ZoShmArgs&, ZoShmReply& reply, int64_t, std::string& said)
 {
-    TvAnswer answer{0, {}, Show(TvChannels().size()) + " channels"};
     for (const TvChannel& channel : TvChannels()) {
-        for (ZoFormatValue& value : ChannelRow(channel)) {
-            answer.values.push_back(value);
-        }
+        PutChannel(reply, channel);  // a row each
     }
-    return answer;
+    said = Show(TvChannels().size()) + " channels";
+    return 0;
 }
 
 // A new channel's stream plays from its start.
-TvAnswer Tune(TvState& tv, const TvArgs& args, int64_t nowMs)
+int32_t Tune(TvState& tv, const ZoShmArgs& args, ZoShmReply& reply, int64_t nowMs, std::string& said)
 {
-    const TvChannel* channel = FindTvChannel(Int32(args[0]));
+    const TvChannel* channel = FindTvChannel(args.Int32(0));
     if (channel == nullptr) {
-        return Refuse(kTvRefusedNoChannel, "no channel " + Show(Int32(args[0])));
+        return Refuse(kTvRefusedNoChannel, "no channel " + Show(args.Int32(0)), said);
     }
     tv.channel = channel->number;
     tv.SetStream(0, nowMs);
-    return {0, {Value(0)}, "channel " + Show(channel->number) + " " + channel->name};
+    reply.PutInt32(0);
+    said = "channel " + Show(channel->number) + " " + channel->name;
+    return 0;
 }
 
-TvAnswer Rename(TvState&, const TvArgs& args, int64_t)
+int32_t Rename(TvState&, const ZoShmArgs& args, ZoShmReply&, int64_t, std::string& said)
 {
-    if (FindTvChannel(Int32(args[0])) == nullptr) {
-        return Refuse(kTvRefusedNoChannel, "no channel " + Show(Int32(args[0])));
+    if (FindTvChannel(args.Int32(0)) == nullptr) {
+        return Refuse(kTvRefusedNoChannel, "no channel " + Show(args.Int32(0)), said);
     }
-    return Refuse(kTvRefusedNoName, "no name arrived (the console sends none for S)");
+    return Refuse(kTvRefusedNoName, "no name arrived (the console sends none for S)", said);
 }
 
-TvAnswer Brightness(TvState& tv, const TvArgs& args, int64_t)
+int32_t Brightness(TvState& tv, const ZoShmArgs& args, ZoShmReply& reply, int64_t, std::string& said)
 {
-    return Set(tv.brightness, Int32(args[0]), 0, 100, "brightness");
+    return Set(tv.brightness, args.Int32(0), 0, 100, "brightness", reply, said);
 }
 
-TvAnswer Gamma(TvState& tv, const TvArgs& args, int64_t)
+int32_t Gamma(TvState& tv, const ZoShmArgs& args, ZoShmReply& reply, int64_t, std::string& said)
 {
-    return Set(tv.gamma, static_cast<float>(args[0].real), 1.0f, 3.0f, "gamma");
+    return Set(tv.gamma, args.Float(0), 1.0f, 3.0f, "gamma", reply, said);
 }
 
-TvAnswer Volume(TvState& tv, const TvArgs& args, int64_t)
+int32_t Volume(TvState& tv, const ZoShmArgs& args, ZoShmReply& reply, int64_t, std::string& said)
 {
-    return Set(tv.volume, Int32(args[0]), 0, 100, "volume");
+    return Set(tv.volume, args.Int32(0), 0, 100, "volume", reply, said);
 }
 
-TvAnswer Balance(TvState& tv, const TvArgs& args, int64_t)
+int32_t Balance(TvState& tv, const ZoShmArgs& args, ZoShmReply& reply, int64_t, std::string& said)
 {
-    return Set(tv.balance, args[0].real, -1.0, 1.0, "balance");
+    return Set(tv.balance, args.Double(0), -1.0, 1.0, "balance", reply, said);
 }
 
-TvAnswer Resolution(TvState& tv, const TvArgs&, int64_t)
+int32_t Resolution(TvState& tv, const ZoShmArgs&, ZoShmReply& reply, int64_t, std::string& said)
 {
     const TvChannel& channel = *FindTvChannel(tv.channel);
-    return {0, {Value(channel.width), Value(channel.height), Value(channel.frameRate)},
-            Show(channel.width) + "x" + Show(channel.height) + " at " + Show(channel.frameRate) + " fps"};
+    reply.PutInt32(channel.width);
+    reply.PutInt32(channel.height);
+    reply.PutDouble(channel.frameRate);
+    said = Show(channel.width) + "x" + Show(channel.height) + " at " + Show(channel.frameRate) + " fps";
+    return 0;
 }
 
-TvAnswer Position(TvState& tv, const TvArgs&, int64_t nowMs)
+int32_t Position(TvState& tv, const ZoShmArgs&, ZoShmReply& reply, int64_t nowMs, std::string& said)
 {
     const int64_t ms = tv.StreamMs(nowMs);
-    return {0, {Value(ms * kPtsPerMs)}, "pts " + Show(ms * kPtsPerMs) + " (" + Show(ms) + " ms)"};
+    reply.PutInt64(ms * kPtsPerMs);
+    said = "pts " + Show(ms * kPtsPerMs) + " (" + Show(ms) + " ms)";
+    return 0;
 }
 
-TvAnswer Seek(TvState& tv, const TvArgs& args, int64_t nowMs)
+int32_t Seek(TvState& tv, const ZoShmArgs& args, ZoShmReply& reply, int64_t nowMs, std::string& said)
 {
-    const int64_t ms = args[0].integer;
+    const int64_t ms = args.Int64(0);
     if (ms < 0 || ms > kMaxSeekMs) {
-        return Refuse(kTvRefusedValue, "out of range 0 to " + Show(kMaxSeekMs));
+        return Refuse(kTvRefusedValue, "out of range 0 to " + Show(kMaxSeekMs), said);
     }
     tv.SetStream(ms, nowMs);
-    return {0, {Value(0), Value(ms)}, "position " + Show(ms) + " ms"};
+    reply.PutInt32(0);
+    reply.PutInt64(ms);
+    said = "position " + Show(ms) + " ms";
+    return 0;
 }
 
-TvAnswer Version(TvState&, const TvArgs&, int64_t)
+int32_t Version(TvState&, const ZoShmArgs&, ZoShmReply& reply, int64_t, std::string& said)
 {
     const std::string build = "compiler " __VERSION__ ", " + Show(sizeof(void*) * 8) + "-bit";
-    return {0, {Value(std::string(kVersion)), Value(build)}, std::string(kVersion) + ", " + build};
+    reply.PutText(kVersion);
+    reply.PutText(build);
+    said = std::string(kVersion) + ", " + build;
+    return 0;
 }
 
 // The cpu load is the TV's own: its processor time as a share of its uptime.
-TvAnswer Uptime(TvState& tv, const TvArgs&, int64_t nowMs)
+int32_t Uptime(TvState& tv, const ZoShmArgs&, ZoShmReply& reply, int64_t nowMs, std::string& said)
 {
     const int64_t upMs = nowMs - tv.startMs;
     struct rusage usage {};
@@ -178,22 +177,27 @@ TvAnswer Uptime(TvState& tv, const TvArgs&, int64_t nowMs)
     const double cpuMs = (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1000.0 +
                          (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1000.0;
     const float load = upMs > 0 ? static_cast<float>(100.0 * cpuMs / static_cast<double>(upMs)) : 0.0f;
-    return {0, {Value(upMs), Value(load)}, Show(upMs) + " ms, cpu " + Show(load) + "%"};
+    reply.PutInt64(upMs);
+    reply.PutFloat(load);
+    said = Show(upMs) + " ms, cpu " + Show(load) + "%";
+    return 0;
 }
 
-TvAnswer LogLevel(TvState& tv, const TvArgs& args, int64_t)
+int32_t LogLevel(TvState& tv, const ZoShmArgs& args, ZoShmReply& reply, int64_t, std::string& said)
 {
     for (const char* level : kLogLevels) {
-        if (args[0].text == level) {
+        if (args.Text(0) == level) {
             tv.logLevel = level;
-            return {0, {Value(tv.logLevel)}, "level " + tv.logLevel};
+            reply.PutText(tv.logLevel);
+            said = "level " + tv.logLevel;
+            return 0;
         }
     }
     std::string known;
     for (const char* level : kLogLevels) {
         known += (known.empty() ? "" : "|") + std::string(level);
     }
-    return Refuse(kTvRefusedValue, "not one of " + known);
+    return Refuse(kTvRefusedValue, "not one of " + known, said);
 }
 
 }  // namespace
@@ -201,21 +205,11 @@ TvAnswer LogLevel(TvState& tv, const TvArgs& args, int64_t)
 const std::vector<TvCommand>& TvCommands()
 {
     static const std::vector<TvCommand> commands = {
-        {"Channel", "count", "", "d", Count},
-        {"Channel", "info", "d", "dds", Info},
-        {"Channel", "tune", "d", "d", Tune},
-        {"Channel", "rename", "dS", "d", Rename},
-        {"Channel", "list", "", "dds", List},
-        {"Picture", "bright", "d", "d", Brightness},
-        {"Picture", "gamma", "f", "f", Gamma},
-        {"Sound", "vol", "d", "d", Volume},
-        {"Sound", "balance", "F", "F", Balance},
-        {"Video", "res", "", "ddF", Resolution},
-        {"Video", "pos", "", "D", Position},
-        {"Video", "seek", "D", "dD", Seek},
-        {"System", "ver", "", "ss", Version},
-        {"System", "uptime", "", "Df", Uptime},
-        {"System", "loglevel", "s", "s", LogLevel},
+        {"Channel", "count", Count},     {"Channel", "info", Info},     {"Channel", "tune", Tune},
+        {"Channel", "rename", Rename},   {"Channel", "list", List},     {"Picture", "bright", Brightness},
+        {"Picture", "gamma", Gamma},     {"Sound", "vol", Volume},      {"Sound", "balance", Balance},
+        {"Video", "res", Resolution},    {"Video", "pos", Position},    {"Video", "seek", Seek},
+        {"System", "ver", Version},      {"System", "uptime", Uptime},  {"System", "loglevel", LogLevel},
     };
     return commands;
 }

@@ -1,8 +1,8 @@
 // The demo TV's commands: what each command of the example catalogue does to
 // the TV's state and what it answers. A command is known by its module and
 // word, as the catalogue files it; the catalogue gives its instruction code
-// (tv_service.h). Its formats are the ones the handler reads and writes: the
-// catalogue must give the same.
+// and formats, and the service library decodes the arguments and checks the
+// values put against them (zo_shm_catalogue_service.h).
 #ifndef ZO_EXAMPLES_DEMO_TV_TV_COMMANDS_H
 #define ZO_EXAMPLES_DEMO_TV_TV_COMMANDS_H
 
@@ -11,7 +11,8 @@
 #include <vector>
 
 #include "tv_state.h"
-#include "zo_format_letters.h"
+#include "zo_shm_args.h"
+#include "zo_shm_reply.h"
 
 // The statuses a request is refused with; the console shows them as
 // "request failure! ret:0x1" and so on.
@@ -19,24 +20,13 @@ constexpr int32_t kTvRefusedValue = 1;      // a value out of its range, or a lo
 constexpr int32_t kTvRefusedNoChannel = 2;  // no channel of that number
 constexpr int32_t kTvRefusedNoName = 3;     // rename: no name arrived (the console sends none for S)
 
-// The arguments of a request: one value per letter of the parameter format
-// that carries one (S carries none).
-using TvArgs = std::vector<ZoFormatValue>;
-
-struct TvAnswer {
-    int32_t status = 0;
-    // With status 0: one value per letter of the print format, row after row.
-    std::vector<ZoFormatValue> values;
-    // What was answered, for the request line: "volume 30", "refused: no channel 99".
-    std::string text;
-};
-
 struct TvCommand {
     const char* module;  // the module's name in the catalogue
     const char* word;
-    const char* paraFmt;
-    const char* printFmt;
-    TvAnswer (*answer)(TvState& tv, const TvArgs& args, int64_t nowMs);
+    // Answers one request: reads args, puts the values of the reply, sets
+    // said to what was answered for the log ("volume 30", "refused: no
+    // channel 99") and returns the status.
+    int32_t (*answer)(TvState& tv, const ZoShmArgs& args, ZoShmReply& reply, int64_t nowMs, std::string& said);
 };
 
 // Every command of the demo TV.

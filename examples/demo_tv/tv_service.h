@@ -1,17 +1,16 @@
-// TvService: the demo TV's commands (tv_commands.h) served on the shared page.
+// TvService: the demo TV's commands (tv_commands.h) served by module and
+// word on the service library's catalogue level.
 //
-// Each command answers the instruction code that the catalogue gives its
-// module and word. A command the catalogue does not hold, holds with other
-// formats, or whose code another command took first is not served, with a
-// warning; its requests get the library's unknown-code status.
+// Each command the catalogue holds is registered; one that it lacks, or
+// whose code another command answers, is not served, with the library's
+// message as a warning (its requests get the library's no-handler status).
 //
-// Per request: the arguments are read by the command's parameter format (a
-// request that does not match it gets ZoShmService::kStatusBadRequest), the
-// command answers, and its values go out by its print format. One line per
-// request goes to the log, flushed at once: the command word, its arguments
-// and what was answered ("vol 30 -> volume 30").
+// One line per request goes to the log, flushed at once: the request line
+// and what was answered ("vol 30 -> volume 30"), written by the handler
+// before the answer is posted; for a request the library answered without
+// the handler (a bad request, say), the library's reason.
 //
-// Single-threaded, like the ZoShmService it registers with.
+// Single-threaded, like the service it registers with.
 #ifndef ZO_EXAMPLES_DEMO_TV_TV_SERVICE_H
 #define ZO_EXAMPLES_DEMO_TV_TV_SERVICE_H
 
@@ -20,12 +19,9 @@
 #include <string>
 #include <vector>
 
-#include <binder/Parcel.h>
-
 #include "tv_commands.h"
 #include "tv_state.h"
-#include "zo_file_parse.h"
-#include "zo_shm_service.h"
+#include "zo_shm_catalogue_service.h"
 
 class TvService {
 public:
@@ -35,11 +31,11 @@ public:
     // Registers with service every command the catalogue holds as the TV
     // does, appends a warning for each other one, and returns how many were
     // registered.
-    size_t Register(const ZoFileParse& catalogue, ZoShmService& service, std::vector<std::string>& warnings);
+    size_t Register(ZoShmCatalogueService& service, std::vector<std::string>& warnings);
+    // Logs what the library answered by itself, if it did.
+    void Log(const ZoShmService::Outcome& outcome);
 
 private:
-    int32_t Serve(const TvCommand& command, const android::Parcel& args, android::Parcel& values);
-
     TvState& m_tv;
     std::FILE* m_log;
 };

@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <functional>
+#include <stdexcept>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -15,7 +17,8 @@
 
 namespace {
 
-// A volume of 0 to 100, set by code 0x31; code 0x32 answers more than fits.
+// A volume of 0 to 100, set by code 0x31; code 0x32 answers more than fits,
+// 0x33 throws.
 int32_t SetVolume(const android::Parcel& args, android::Parcel& values)
 {
     const int32_t volume = args.readInt32();
@@ -32,6 +35,11 @@ int32_t AnswerTooMuch(const android::Parcel&, android::Parcel& values)
         values.writeInt32(1);
     }
     return 0;
+}
+
+int32_t Throw(const android::Parcel&, android::Parcel&)
+{
+    throw std::logic_error("no volume");
 }
 
 // Posts the request bytes with u32Size size, as the console does but with any size.
@@ -52,30 +60,34 @@ TEST(ZoShmService, AnswersEachRequestTheConsolePosts)
     ASSERT_EQ(0, service.Open(ShmSwapFilePath(dir.Path()), &error)) << error;
     service.Register(0x31, SetVolume);
     service.Register(0x32, AnswerTooMuch);
+    service.Register(0x33, Throw);
     void* page = const_cast<void*>(service.Page());
     EXPECT_FALSE(service.Pending());
-    EXPECT_EQ(ZoShmService::Served::kNothing, service.ServeOne());
+    EXPECT_EQ(ZoShmService::Served::kNothing, service.ServeOne().served);
 
     const struct {
         std::string request;
         uint32_t size;  // u32Size; 0 for the request's length
         std::string reply;
         int32_t code;
+        std::string problem;
     } cases[] = {
-        {"31000000 1e000000", 0, "00000000 1e000000", 0x31},
-        {"31000000 2c010000", 0, "05000000", 0x31},  // a failure carries the status alone
-        {"99000000", 0, "ffffffff", 0x99},
-        {"3100", 0, "feffffff", -1},
-        {"31000000 1e000000", 4089, "feffffff", -1},
-        {"32000000", 0, "feffffff", 0x32},
+        {"31000000 1e000000", 0, "00000000 1e000000", 0x31, ""},
+        {"31000000 2c010000", 0, "05000000", 0x31, ""},  // a failure carries the status alone
+        {"99000000", 0, "ffffffff", 0x99, "no handler for instruction 0x99"},
+        {"3100", 0, "feffffff", -1, "a request of 2 bytes, too short for an instruction code"},
+        {"31000000 1e000000", 4089, "feffffff", -1, "a request of 4089 bytes, more than the page's 4088"},
+        {"32000000", 0, "fdffffff", 0x32, "the reply to instruction 0x32 takes 4092 bytes, more than the page's 4088"},
+        {"33000000", 0, "fbffffff", 0x33, "the handler of instruction 0x33 threw: no volume"},
     };
     for (const auto& c : cases) {
         const std::vector<uint8_t> bytes = FromHex(c.request);
         PostRaw(page, bytes, c.size != 0 ? c.size : uint32_t(bytes.size()));
         EXPECT_TRUE(service.Pending()) << c.request;
-        int32_t code = 0;
-        EXPECT_EQ(ZoShmService::Served::kAnswered, service.ServeOne(&code));
-        EXPECT_EQ(c.code, code);
+        const ZoShmService::Outcome outcome = service.ServeOne();
+        EXPECT_EQ(ZoShmService::Served::kAnswered, outcome.served);
+        EXPECT_EQ(c.code, outcome.code);
+        EXPECT_EQ(c.problem, outcome.problem);
         EXPECT_EQ(SHM_FLAG_REQUEST | SHM_FLAG_REPLY, ShmLoadFlag(page));
         EXPECT_FALSE(service.Pending());
         android::Parcel reply;
@@ -95,9 +107,30 @@ TEST(ZoShmService, AnswersEachRequestTheConsolePosts)
     const uint8_t status[4] = {};
     EXPECT_EQ(ZoShmService::Served::kDropped, service.PostReply(taken, status, sizeof status));
     EXPECT_EQ(SHM_FLAG_REQUEST, ShmLoadFlag(page));
-    EXPECT_EQ(ZoShmService::Served::kAnswered, service.ServeOne());
+    EXPECT_EQ(ZoShmService::Served::kAnswered, service.ServeOne().served);
     service.DropRequest();
     EXPECT_EQ(SHM_FLAG_REPLY, ShmLoadFlag(page)) << "no request is left pending";
+
+    // A request pending at Open is served when the service asks for it.
+    PostRaw(page, FromHex("31000000 1e000000"), 8);
+    ZoShmService restarted;
+    restarted.SetServeStale(true);
+    restarted.Register(0x31, SetVolume);
+    ASSERT_EQ(0, restarted.Open(ShmSwapFilePath(dir.Path()), &error)) << error;
+    EXPECT_EQ(0, restarted.ServeOne().status);
+
+    // Stop ends a wait from another thread within a poll period, and every later one at once.
+    restarted.SetPollMs(5);
+    const auto started = std::chrono::steady_clock::now();
+    std::thread stopper([&restarted] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        restarted.Stop();
+    });
+    EXPECT_EQ(ZoShmService::Served::kNothing, restarted.Serve(60000).served);
+    stopper.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(10));
+    PostRaw(page, FromHex("31000000 1e000000"), 8);
+    EXPECT_FALSE(restarted.WaitForRequest(60000)) << "stopped: returns at once";
 }
 
 TEST(ZoShmService, OpensOnlyARegularFileReachedWithoutALink)

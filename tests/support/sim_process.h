@@ -55,7 +55,12 @@ public:
         m_options = options;
         struct stat st {};
         const std::string path = ShmSwapFilePath(dir.Path());
-        const int fd = WaitFor([&] { return stat(path.c_str(), &st) == 0 && st.st_size >= off_t(SHM_SIZE); }, Ms(10000))
+        // Once it says so: a request posted before it opened the page would be stale.
+        const auto ready = [&] {
+            return Errors().find("zo_service_sim: answering ") != std::string::npos && stat(path.c_str(), &st) == 0 &&
+                   st.st_size >= off_t(SHM_SIZE);
+        };
+        const int fd = WaitFor(ready, Ms(10000))
                            ? open(path.c_str(), O_RDWR | O_CLOEXEC)
                            : -1;
         void* page = fd < 0 ? MAP_FAILED : mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);

@@ -7,21 +7,19 @@
 
 #include <sys/stat.h>
 
-#include "command_index.h"
+#include "page_guard.h"
 #include "replies_file.h"
 #include "service_sim.h"
-#include "page_guard.h"
 #include "sim_options.h"
-#include "zo_file_parse_quiet_load.h"
-#include "zo_shm_service.h"
+#include "sim_page.h"
 
 namespace {
 
-volatile sig_atomic_t g_stop = 0;
+SimPage* g_service = nullptr;
 
 void OnStopSignal(int)
 {
-    g_stop = 1;
+    g_service->Stop();
 }
 
 int UsageError(const std::string& error)
@@ -48,25 +46,26 @@ int main(int argc, char* argv[])
         return UsageError("'" + opts.dir + "' is not a directory");
     }
 
-    ZoFileParse catalogue;
-    LoadCatalogueWithMessagesTo(catalogue, opts.dir, STDERR_FILENO);
-    if (catalogue.GetIOExceptionStatus() != 0) {
-        std::fprintf(stderr, "zo_service_sim: the catalogue in %s did not load fully; going on with what it has\n",
-                     opts.dir.c_str());
-    }
-    CommandIndex index;
-    std::vector<std::string> warnings;
-    index.Build(catalogue, warnings);
-    for (const std::string& warning : warnings) {
-        std::fprintf(stderr, "zo_service_sim: %s\n", warning.c_str());
+    SimPage service;
+    // The catalogue's own messages go to standard error: standard output carries the request lines.
+    const auto toStderr = [](const std::string& message) { std::fprintf(stderr, "%s\n", message.c_str()); };
+    if (service.Load(opts.dir, &error, toStderr) != 0) {
+        std::fprintf(stderr, "zo_service_sim: %s; going on with what it has\n", error.c_str());
     }
     RepliesFile replies;
-    if (!opts.repliesPath.empty() && !replies.Load(opts.repliesPath, index, error)) {
+    if (!opts.repliesPath.empty() && !replies.Load(opts.repliesPath, service, error)) {
         std::fprintf(stderr, "zo_service_sim: replies file %s\n(zo_service_sim --help describes its format)\n",
                      error.c_str());
         return 2;
     }
+    ServiceSim sim(opts, replies, service, stdout);
+    std::vector<std::string> warnings;
+    const size_t served = sim.RegisterAll(warnings);
+    for (const std::string& warning : warnings) {
+        std::fprintf(stderr, "zo_service_sim: %s\n", warning.c_str());
+    }
 
+    g_service = &service;
     struct sigaction action {};
     action.sa_handler = OnStopSignal;
     sigemptyset(&action.sa_mask);
@@ -74,16 +73,14 @@ int main(int argc, char* argv[])
     sigaction(SIGTERM, &action, nullptr);
 
     const std::string pagePath = ShmSwapFilePath(opts.dir);
-    ZoShmService service;
     if (service.Open(pagePath, &error) != 0) {
         std::fprintf(stderr, "zo_service_sim: %s\n", error.c_str());
         return 1;
     }
-    std::fprintf(stderr, "zo_service_sim: answering %zu commands on %s\n", index.Size(), pagePath.c_str());
+    std::fprintf(stderr, "zo_service_sim: answering %zu commands on %s\n", served, pagePath.c_str());
 
     PageGuard guard(service.Page());
-    ServiceSim sim(opts, index, replies, service, guard, stdout);
-    if (!sim.Serve(g_stop)) {
+    if (!sim.Serve(guard)) {
         std::fprintf(stderr, "zo_service_sim: %s\n",
                      ShmLostMessage(pagePath, ShmFileCutShort(pagePath.c_str())).c_str());
         return 1;

@@ -9,11 +9,61 @@
 
 #include <binder/Parcel.h>
 
-#include "reply_encoder.h"
 #include "zo_format_letters.h"
 #include "zo_shm_page.h"
 
 namespace {
+
+// The built-in value of each letter.
+const char* BuiltIn(char letter)
+{
+    switch (letter) {
+    case 'd': return "42";
+    case 'D': return "9000000000";  // beyond 32 bits
+    case 'f': return "1.5";
+    case 'F': return "2.25";
+    case 's': return "sim";
+    default: return nullptr;
+    }
+}
+
+// The letters of a format that carry a value.
+std::string ValueLetters(const std::string& format)
+{
+    std::string letters;
+    for (char c : format) {
+        const ZoFormatLetter* row = ZoFormatLetterOf(c);
+        if (row != nullptr && row->supported) {
+            letters += c;
+        }
+    }
+    return letters;
+}
+
+// Parses word as a value of letter, as the format table does, and appends it.
+bool AppendWord(char letter, const std::string& word, android::Parcel& reply)
+{
+    const ZoFormatLetter* format = ZoFormatLetterOf(letter);
+    ZoFormatValue value;
+    return format != nullptr && format->supported && format->parse(word, value) &&
+           format->write(reply, value) == android::NO_ERROR;
+}
+
+std::vector<uint8_t> ParcelBytes(const android::Parcel& parcel)
+{
+    const uint8_t* data = parcel.data();
+    return data == nullptr ? std::vector<uint8_t>() : std::vector<uint8_t>(data, data + parcel.dataSize());
+}
+
+bool ParseInt32Word(const std::string& word, int32_t& value)
+{
+    ZoFormatValue v;
+    if (!ZoFormatLetterOf('d')->parse(word, v)) {
+        return false;
+    }
+    value = static_cast<int32_t>(v.integer);
+    return true;
+}
 
 bool IsBlank(char c)
 {
@@ -67,7 +117,7 @@ bool SplitWords(const std::string& line, std::vector<std::string>& words, std::s
 
 }  // namespace
 
-bool RepliesFile::Load(const std::string& path, const CommandIndex& index, std::string& error)
+bool RepliesFile::Load(const std::string& path, const ZoShmCatalogueService& catalogue, std::string& error)
 {
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
@@ -87,20 +137,20 @@ bool RepliesFile::Load(const std::string& path, const CommandIndex& index, std::
         error = path + ": cannot be read: " + std::strerror(readErrno);
         return false;
     }
-    if (!Parse(text, index, error)) {
+    if (!Parse(text, catalogue, error)) {
         error = path + " " + error;
         return false;
     }
     return true;
 }
 
-bool RepliesFile::Parse(const std::string& text, const CommandIndex& index, std::string& error)
+bool RepliesFile::Parse(const std::string& text, const ZoShmCatalogueService& catalogue, std::string& error)
 {
     std::istringstream lines(text);
     std::string line;
     for (unsigned number = 1; std::getline(lines, line); ++number) {
         std::string reason;
-        if (!ParseLine(line, index, reason)) {
+        if (!ParseLine(line, catalogue, reason)) {
             error = "line " + std::to_string(number) + ": " + reason;
             return false;
         }
@@ -108,7 +158,7 @@ bool RepliesFile::Parse(const std::string& text, const CommandIndex& index, std:
     return true;
 }
 
-bool RepliesFile::ParseLine(const std::string& line, const CommandIndex& index, std::string& error)
+bool RepliesFile::ParseLine(const std::string& line, const ZoShmCatalogueService& catalogue, std::string& error)
 {
     const size_t first = line.find_first_not_of(" \t\r");
     if (first == std::string::npos || line[first] == '#') {
@@ -126,15 +176,15 @@ bool RepliesFile::ParseLine(const std::string& line, const CommandIndex& index, 
     }
     int32_t code = 0;
     int32_t status = 0;
-    if (!ParseInt32Word(words[0].c_str(), code)) {
+    if (!ParseInt32Word(words[0], code)) {
         error = "'" + words[0] + "' is not an instruction code";
         return false;
     }
-    if (words.size() < 2 || !ParseInt32Word(words[1].c_str(), status)) {
+    if (words.size() < 2 || !ParseInt32Word(words[1], status)) {
         error = "a status must follow the instruction code";
         return false;
     }
-    const SimCommand* cmd = index.Find(code);
+    const ZoShmCommand* cmd = catalogue.CommandOf(code);
     if (cmd == nullptr) {
         error = "instruction " + words[0] + " is not a command of the catalogue";
         return false;
@@ -144,13 +194,7 @@ bool RepliesFile::ParseLine(const std::string& line, const CommandIndex& index, 
         return false;
     }
 
-    std::string letters;
-    for (char c : cmd->printFmt) {
-        const ZoFormatLetter* format = ZoFormatLetterOf(c);
-        if (format == nullptr || format->supported) {
-            letters += c;
-        }
-    }
+    const std::string letters = ValueLetters(cmd->printFmt);
     if (words.size() > 2 && letters.empty()) {
         error = "the print format of '" + cmd->word + "' takes no values";
         return false;
@@ -159,7 +203,7 @@ bool RepliesFile::ParseLine(const std::string& line, const CommandIndex& index, 
     reply.writeInt32(status);
     for (size_t i = 2; i < words.size(); ++i) {
         const char letter = letters[(i - 2) % letters.size()];
-        if (!AppendValue(letter, words[i], reply)) {
+        if (!AppendWord(letter, words[i], reply)) {
             error = "'" + words[i] + "' is not a value for '" + std::string(1, letter) + "' of '" + cmd->word + "'";
             return false;
         }
@@ -173,8 +217,16 @@ bool RepliesFile::ParseLine(const std::string& line, const CommandIndex& index, 
     return true;
 }
 
-const std::vector<uint8_t>* RepliesFile::Find(int32_t code) const
+std::vector<uint8_t> RepliesFile::ReplyFor(const ZoShmCommand& command) const
 {
-    const auto it = m_replies.find(code);
-    return it == m_replies.end() ? nullptr : &it->second;
+    const auto it = m_replies.find(command.code);
+    if (it != m_replies.end()) {
+        return it->second;
+    }
+    android::Parcel reply;
+    reply.writeInt32(0);
+    for (char letter : ValueLetters(command.printFmt)) {
+        AppendWord(letter, BuiltIn(letter), reply);
+    }
+    return ParcelBytes(reply);
 }

@@ -2,89 +2,108 @@
 
 #include <ctime>
 
-#include "reply_encoder.h"
-#include "zo_shm_page.h"
-
 namespace {
 
+// The simulator looks at the page more often than the library's default, so
+// that tests of delays and drops run quickly.
 constexpr unsigned kPollMs = 2;
+constexpr unsigned kWaitMs = 100;
+
+std::vector<uint8_t> StatusReply(int32_t status)
+{
+    const uint8_t* bytes = reinterpret_cast<const uint8_t*>(&status);
+    return std::vector<uint8_t>(bytes, bytes + sizeof status);
+}
 
 }  // namespace
 
-ServiceSim::ServiceSim(const SimOptions& opts, const CommandIndex& index, const RepliesFile& replies,
-                       ZoShmService& service, PageGuard& guard, std::FILE* out)
-    : m_opts(opts), m_index(index), m_replies(replies), m_service(service), m_guard(guard), m_out(out)
+ServiceSim::ServiceSim(const SimOptions& opts, const RepliesFile& replies, SimPage& service, std::FILE* out)
+    : m_opts(opts), m_replies(replies), m_service(service), m_out(out)
 {
+    m_service.SetPollMs(kPollMs);
+    // A console may post before the simulator starts, and gets its answer then:
+    // the simulator's handlers cannot crash on a request, which is why a
+    // service is warned off serving one left on the page.
+    m_service.SetServeStale(true);
 }
 
-bool ServiceSim::Serve(const volatile sig_atomic_t& stop)
+size_t ServiceSim::RegisterAll(std::vector<std::string>& warnings)
+{
+    size_t registered = 0;
+    for (const ZoShmCommand& command : m_service.Commands()) {
+        std::string error;
+        const auto handler = [this](const ZoShmArgs& args, ZoShmReply&) {
+            m_served = &args.Command();
+            m_line = args.Line();
+            return 0;  // the reply is chosen after the line is printed
+        };
+        if (m_service.Register(command.module, command.word, handler, &error) == 0) {
+            ++registered;
+        } else {
+            warnings.push_back(error);
+        }
+    }
+    return registered;
+}
+
+bool ServiceSim::Serve(PageGuard& guard)
 {
     bool pending = false;
-    while (stop == 0) {
-        if (!m_guard.Run([&] { pending = m_service.Pending(); })) {
+    while (!m_service.Stopped()) {
+        if (!guard.Run([&] { pending = m_service.WaitForRequest(kWaitMs); })) {
             return false;
         }
-        if (!pending) {
-            SleepUnlessStopped(kPollMs, stop);
-        } else if (!ServeOne(stop)) {
+        if (pending && !ServeOne(guard)) {
             return false;
         }
     }
     return true;
 }
 
-bool ServiceSim::ServeOne(const volatile sig_atomic_t& stop)
+bool ServiceSim::ServeOne(PageGuard& guard)
 {
     bool taken = false;
-    if (!m_guard.Run([&] { taken = m_service.TakeRequest(m_request); })) {
+    if (!guard.Run([&] { taken = m_service.TakeRequest(m_request); })) {
         return false;
     }
     if (!taken) {
         return true;
     }
-    DecodedRequest request;
-    if (m_request.u32Size > SHM_DATA_SIZE) {
-        request.line = "bad request: u32Size " + std::to_string(m_request.u32Size) + " is more than " +
-                       std::to_string(SHM_DATA_SIZE);
-    } else {
-        request = DecodeRequest(std::vector<uint8_t>(m_request.payload, m_request.payload + m_request.length), m_index);
-    }
-    std::fprintf(m_out, "%s\n", request.line.c_str());
+    m_served = nullptr;
+    ZoShmService::Outcome outcome;
+    std::vector<uint8_t> reply = m_service.Dispatch(m_request, &outcome);
+    const std::string line = m_served != nullptr ? m_line : outcome.problem;
+    std::fprintf(m_out, "%s\n", line.c_str());
     std::fflush(m_out);
 
     if (m_opts.noReply) {
         // The request bit goes, so that the next request can be told apart from this one.
-        return m_guard.Run([&] { m_service.DropRequest(); });
+        return guard.Run([&] { m_service.DropRequest(); });
     }
-    if (!SleepUnlessStopped(m_opts.delayMs, stop)) {
+    if (!SleepUnlessStopped(m_opts.delayMs)) {
         return true;
     }
-    const std::vector<uint8_t> reply = ChooseReply(request);
+    if (m_served != nullptr) {
+        reply = ChooseReply(*m_served);
+    }
     // During the wait the console may have gone and another one posted its own request.
     ZoShmService::Served served = ZoShmService::Served::kNothing;
-    if (!m_guard.Run([&] {
-            served = m_service.PostReply(m_request, reply.data(), reply.size(),
-                                         m_opts.forceSize ? &m_opts.sizeValue : nullptr);
+    if (!guard.Run([&] {
+            served = m_opts.forceSize
+                         ? m_service.PostReplyClaiming(m_request, reply.data(), reply.size(), m_opts.sizeValue)
+                         : m_service.PostReply(m_request, reply.data(), reply.size());
         })) {
         return false;
     }
     if (served == ZoShmService::Served::kDropped) {
         std::fprintf(stderr, "zo_service_sim: the page holds another request now: the answer to '%s' is dropped\n",
-                     request.line.c_str());
+                     line.c_str());
     }
     return true;
 }
 
-std::vector<uint8_t> ServiceSim::ChooseReply(const DecodedRequest& request)
+std::vector<uint8_t> ServiceSim::ChooseReply(const ZoShmCommand& command)
 {
-    switch (request.kind) {
-    case DecodedRequest::Kind::kUnknownCode:
-        return StatusReply(ZoShmService::kStatusUnknownCode);
-    case DecodedRequest::Kind::kBadRequest:
-        return StatusReply(ZoShmService::kStatusBadRequest);
-    case DecodedRequest::Kind::kCommand:
-        break;
-    }
     if (m_opts.forceStatus) {
         return StatusReply(m_opts.status);
     }
@@ -95,17 +114,16 @@ std::vector<uint8_t> ServiceSim::ChooseReply(const DecodedRequest& request)
         }
         return reply;
     }
-    const std::vector<uint8_t>* canned = m_replies.Find(request.command->instruct);
-    return canned != nullptr ? *canned : BuiltInReply(request.command->printFmt);
+    return m_replies.ReplyFor(command);
 }
 
-bool ServiceSim::SleepUnlessStopped(unsigned ms, const volatile sig_atomic_t& stop)
+bool ServiceSim::SleepUnlessStopped(unsigned ms) const
 {
     // Against a deadline, so that a long delay does not grow by the cost of each step.
     struct timespec now {};
     clock_gettime(CLOCK_MONOTONIC, &now);
     const int64_t deadline = static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec + int64_t{ms} * 1000000;
-    while (stop == 0) {
+    while (!m_service.Stopped()) {
         clock_gettime(CLOCK_MONOTONIC, &now);
         const int64_t left = deadline - (static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec);
         if (left <= 0) {
@@ -115,5 +133,5 @@ bool ServiceSim::SleepUnlessStopped(unsigned ms, const volatile sig_atomic_t& st
         const struct timespec pause = {0, static_cast<long>(step)};
         nanosleep(&pause, nullptr);
     }
-    return stop == 0;
+    return !m_service.Stopped();
 }

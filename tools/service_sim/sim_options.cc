@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "reply_encoder.h"
+#include "zo_format_letters.h"
 #include "zo_shm_page.h"
 
 namespace {
@@ -49,16 +49,23 @@ const char kUsage[] =
 // Reads a whole-word unsigned number (decimal or 0x hex) no larger than max.
 bool ParseUnsigned(const char* text, uint64_t max, uint64_t& value)
 {
-    if (text == nullptr || *text == '\0' || *text == '-' || *text == '+') {
+    ZoFormatValue v;
+    if (text == nullptr || *text == '-' || *text == '+' || !ZoFormatLetterOf('D')->parse(text, v) ||
+        v.integer < 0 || static_cast<uint64_t>(v.integer) > max) {
         return false;
     }
-    errno = 0;
-    char* end = nullptr;
-    const unsigned long long v = std::strtoull(text, &end, NumberBase(text));
-    if (errno != 0 || *end != '\0' || v > max) {
+    value = static_cast<uint64_t>(v.integer);
+    return true;
+}
+
+// Reads a whole-word 32-bit number as the letter d parses it.
+bool ParseInt32Word(const char* text, int32_t& value)
+{
+    ZoFormatValue v;
+    if (text == nullptr || !ZoFormatLetterOf('d')->parse(text, v)) {
         return false;
     }
-    value = v;
+    value = static_cast<int32_t>(v.integer);
     return true;
 }
 
