@@ -14,7 +14,8 @@ using namespace android;
 namespace {
 
 // Reads one value per letter (d D f F s, as in the formats; u: s as UTF-8) with the status-returning readers, each
-// failure marked "!", after checking that the value readers read the same; then tells the position and the bytes left.
+// failure marked "!", and checks that the value readers read the same, or 0 and "" where those fail; then tells the
+// position and the bytes left.
 std::string Read(const std::vector<uint8_t>& bytes, const std::string& letters)
 {
     Parcel parcel, plain;
@@ -23,6 +24,8 @@ std::string Read(const std::vector<uint8_t>& bytes, const std::string& letters)
     parcel.setData(copy.data(), copy.size());  // copies and puts the position at 0
     plain.setData(copy.data(), copy.size());
     copy.assign(copy.size(), 0xee);
+    const auto quoted = [](const String16& text) { return '"' + std::string(String8(text).c_str()) + '"'; };
+    const auto str = [](auto number) { return std::to_string(number); };
     std::string out;
     for (char letter : letters) {
         int32_t i = 7;
@@ -30,24 +33,22 @@ std::string Read(const std::vector<uint8_t>& bytes, const std::string& letters)
         float f = 7;
         double d = 7;
         String16 text("old");
-        std::string utf8 = "old";
-        std::string value, same;
+        std::string utf8 = "old", value, same;
         status_t status = NO_ERROR;
         switch (letter) {
-        case 'd': status = parcel.readInt32(&i), value = std::to_string(i), same = std::to_string(plain.readInt32()); break;
-        case 'D': status = parcel.readInt64(&l), value = std::to_string(l), same = std::to_string(plain.readInt64()); break;
-        case 'f': status = parcel.readFloat(&f), value = std::to_string(f), same = std::to_string(plain.readFloat()); break;
-        case 'F': status = parcel.readDouble(&d), value = std::to_string(d), same = std::to_string(plain.readDouble());
+        case 'd': status = parcel.readInt32(&i), value = str(i), same = str(plain.readInt32()); break;
+        case 'D': status = parcel.readInt64(&l), value = str(l), same = str(plain.readInt64()); break;
+        case 'f': status = parcel.readFloat(&f), value = str(f), same = str(plain.readFloat()); break;
+        case 'F': status = parcel.readDouble(&d), value = str(d), same = str(plain.readDouble()); break;
+        case 'u':
+            status = parcel.readUtf8FromUtf16(&utf8), value = '"' + utf8 + '"', same = quoted(plain.readString16());
             break;
-        case 'u': status = parcel.readUtf8FromUtf16(&utf8), value = '"' + utf8 + '"',
-            same = '"' + std::string(String8(plain.readString16()).c_str()) + '"';
-            break;
-        default: status = parcel.readString16(&text), value = '"' + std::string(String8(text).c_str()) + '"',
-            same = '"' + std::string(String8(plain.readString16()).c_str()) + '"';
-            break;
+        default: status = parcel.readString16(&text), value = quoted(text), same = quoted(plain.readString16()); break;
         }
+        const bool isText = letter == 's' || letter == 'u';
         if (status != NO_ERROR) {
-            EXPECT_EQ(letter == 's' || letter == 'u' ? UNEXPECTED_NULL : NOT_ENOUGH_DATA, status) << letter;
+            EXPECT_EQ(isText ? UNEXPECTED_NULL : NOT_ENOUGH_DATA, status) << letter;
+            EXPECT_EQ(isText ? "\"\"" : letter == 'f' || letter == 'F' ? "0.000000" : "0", same) << letter;
             value += '!';
         } else {
             EXPECT_EQ(value, same) << letter;
