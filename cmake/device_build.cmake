@@ -17,7 +17,7 @@ function(zo_collect_sources target out_var)
   endif()
   get_target_property(imported ${target} IMPORTED)
   get_target_property(dir ${target} SOURCE_DIR)
-  file(RELATIVE_PATH rel_dir ${CMAKE_SOURCE_DIR} ${dir})
+  file(RELATIVE_PATH rel_dir ${PROJECT_SOURCE_DIR} ${dir})
   if(imported OR rel_dir MATCHES "^platform(/|$)")
     set(${out_var} "" PARENT_SCOPE)
     return()
@@ -29,7 +29,7 @@ function(zo_collect_sources target out_var)
       if(NOT IS_ABSOLUTE ${src})
         set(src ${dir}/${src})
       endif()
-      file(RELATIVE_PATH src ${CMAKE_SOURCE_DIR} ${src})
+      file(RELATIVE_PATH src ${PROJECT_SOURCE_DIR} ${src})
       list(APPEND sources ${src})
     endif()
   endforeach()
@@ -52,12 +52,12 @@ foreach(pair IN LISTS ZO_DEVICE_MODULES)
   list(REMOVE_DUPLICATES sources)
   list(SORT sources)
   list(JOIN sources "\n" sources_text)
-  set(sources_file ${CMAKE_BINARY_DIR}/device/${module}_sources.txt)
+  set(sources_file ${PROJECT_BINARY_DIR}/device/${module}_sources.txt)
   file(GENERATE OUTPUT ${sources_file} CONTENT "${sources_text}\n")
   if(ZO_BUILD_TESTS AND NOT CMAKE_CROSSCOMPILING)
     add_test(NAME android_bp_sources_${module}
-      COMMAND ${CMAKE_COMMAND} -DANDROID_BP=${CMAKE_SOURCE_DIR}/Android.bp -DMODULE=${module}
-        -DCMAKE_SOURCES=${sources_file} -P ${CMAKE_SOURCE_DIR}/cmake/check_android_bp_sources.cmake)
+      COMMAND ${CMAKE_COMMAND} -DANDROID_BP=${PROJECT_SOURCE_DIR}/Android.bp -DMODULE=${module}
+        -DCMAKE_SOURCES=${sources_file} -P ${PROJECT_SOURCE_DIR}/cmake/check_android_bp_sources.cmake)
   endif()
 endforeach()
 
@@ -67,6 +67,6 @@ if(ZO_BUILD_TESTS AND NOT CMAKE_CROSSCOMPILING)
     set(ZO_BPFMT bpfmt)  # the test then fails, naming the missing tool
   endif()
   add_test(NAME android_bp_format
-    COMMAND ${CMAKE_COMMAND} -DANDROID_BP=${CMAKE_SOURCE_DIR}/Android.bp -DBPFMT=${ZO_BPFMT}
-      -P ${CMAKE_SOURCE_DIR}/cmake/check_android_bp_format.cmake)
+    COMMAND ${CMAKE_COMMAND} -DANDROID_BP=${PROJECT_SOURCE_DIR}/Android.bp -DBPFMT=${ZO_BPFMT}
+      -P ${PROJECT_SOURCE_DIR}/cmake/check_android_bp_format.cmake)
 endif()

@@ -1,9 +1,12 @@
 #include <binder/Parcel.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
 #include <stdexcept>
+
+#include <utils/Unicode.h>
 
 namespace android {
 
@@ -13,6 +16,7 @@ namespace {
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "parcel layout assumes a little-endian host");
 
 constexpr size_t kAlign = 4;
+constexpr size_t kMaxSize = static_cast<size_t>(std::numeric_limits<int32_t>::max());
 
 size_t PadTo4(size_t len)
 {
@@ -26,17 +30,21 @@ const uint8_t* Parcel::data() const
     return m_hasData ? m_data.data() : nullptr;
 }
 
+void Parcel::setDataPosition(size_t pos) const
+{
+    if (pos > kMaxSize) {
+        std::abort();
+    }
+    m_pos = pos;
+}
+
 status_t Parcel::setData(const uint8_t* buffer, size_t len)
 {
-    if (buffer == nullptr && len != 0) {
+    if (len > kMaxSize || (buffer == nullptr && len != 0)) {
         return BAD_VALUE;
     }
     try {
-        if (len == 0) {
-            m_data.clear();
-        } else {
-            m_data.assign(buffer, buffer + len);
-        }
+        m_data.assign(buffer, buffer + len);
     } catch (const std::bad_alloc&) {
         return NO_MEMORY;
     }
@@ -45,45 +53,51 @@ status_t Parcel::setData(const uint8_t* buffer, size_t len)
     return NO_ERROR;
 }
 
-status_t Parcel::Append(const void* bytes, size_t len)
+status_t Parcel::Put(const void* bytes, size_t len)
 {
     const size_t padded = PadTo4(len);
+    if (padded > kMaxSize - m_pos) {
+        return NO_MEMORY;
+    }
     try {
-        const size_t start = m_data.size();
-        m_data.resize(start + padded, 0);
-        std::memcpy(m_data.data() + start, bytes, len);
+        if (m_data.size() < m_pos + padded) {
+            m_data.resize(m_pos + padded, 0);
+        }
     } catch (const std::bad_alloc&) {
         return NO_MEMORY;
     } catch (const std::length_error&) {
         return NO_MEMORY;
     }
+    std::memcpy(m_data.data() + m_pos, bytes, len);
+    std::memset(m_data.data() + m_pos + len, 0, padded - len);
+    m_pos += padded;
     m_hasData = true;
     return NO_ERROR;
 }
 
 status_t Parcel::writeInt32(int32_t value)
 {
-    return Append(&value, sizeof value);
+    return Put(&value, sizeof value);
 }
 
 status_t Parcel::writeInt64(int64_t value)
 {
-    return Append(&value, sizeof value);
+    return Put(&value, sizeof value);
 }
 
 status_t Parcel::writeFloat(float value)
 {
-    return Append(&value, sizeof value);
+    return Put(&value, sizeof value);
 }
 
 status_t Parcel::writeDouble(double value)
 {
-    return Append(&value, sizeof value);
+    return Put(&value, sizeof value);
 }
 
 status_t Parcel::writeString16(const String16& text)
 {
-    if (text.size() >= static_cast<size_t>(std::numeric_limits<int32_t>::max())) {
+    if (text.size() >= kMaxSize / sizeof(char16_t)) {
         return BAD_VALUE;
     }
     // Count, then the units and their zero terminator, padded as one block.
@@ -96,19 +110,16 @@ status_t Parcel::writeString16(const String16& text)
     } catch (const std::bad_alloc&) {
         return NO_MEMORY;
     }
-    return Append(block.data(), block.size());
+    return Put(block.data(), block.size());
 }
 
 bool Parcel::Take(void* out, size_t len) const
 {
-    if (dataAvail() < len) {
+    if (m_pos > m_data.size() || m_data.size() - m_pos < len) {
         return false;
     }
     std::memcpy(out, m_data.data() + m_pos, len);
-    m_pos += PadTo4(len);
-    if (m_pos > m_data.size()) {
-        m_pos = m_data.size();
-    }
+    m_pos += len;
     return true;
 }
 
@@ -136,32 +147,93 @@ double Parcel::readDouble() const
     return Take(&value, sizeof value) ? value : 0.0;
 }
 
-String16 Parcel::readString16() const
+status_t Parcel::readInt32(int32_t* out) const
 {
-    int32_t count = 0;
-    if (!Take(&count, sizeof count)) {
-        return String16();
-    }
+    return Take(out, sizeof *out) ? NO_ERROR : NOT_ENOUGH_DATA;
+}
+
+status_t Parcel::readInt64(int64_t* out) const
+{
+    return Take(out, sizeof *out) ? NO_ERROR : NOT_ENOUGH_DATA;
+}
+
+status_t Parcel::readFloat(float* out) const
+{
+    return Take(out, sizeof *out) ? NO_ERROR : NOT_ENOUGH_DATA;
+}
+
+status_t Parcel::readDouble(double* out) const
+{
+    return Take(out, sizeof *out) ? NO_ERROR : NOT_ENOUGH_DATA;
+}
+
+const uint8_t* Parcel::TakeString16(size_t* units) const
+{
+    const int32_t count = readInt32();
     if (count < 0 || count == std::numeric_limits<int32_t>::max()) {
-        return String16();
+        return nullptr;
     }
     // Computed in 64 bits so that a huge count cannot wrap on a 32-bit size_t.
-    const uint64_t units = static_cast<uint64_t>(count) + 1;
-    const uint64_t blockLen = (units * sizeof(char16_t) + kAlign - 1) & ~static_cast<uint64_t>(kAlign - 1);
-    if (blockLen > dataAvail()) {
-        return String16();
+    const uint64_t blockLen = PadTo4((static_cast<uint64_t>(count) + 1) * sizeof(char16_t));
+    if (m_pos > m_data.size() || blockLen > m_data.size() - m_pos) {
+        return nullptr;
     }
     const uint8_t* block = m_data.data() + m_pos;
     m_pos += static_cast<size_t>(blockLen);
+    // The check of the terminator came with a security update of the platform's
+    // class; without it the units would be taken as they are.
     char16_t terminator = 0;
     std::memcpy(&terminator, block + static_cast<size_t>(count) * sizeof(char16_t), sizeof terminator);
     if (terminator != 0) {
-        return String16();
+        return nullptr;
     }
-    // The units may sit at any byte offset of the caller's data: copy, never cast.
-    std::u16string units16(static_cast<size_t>(count), u'\0');
-    std::memcpy(&units16[0], block, static_cast<size_t>(count) * sizeof(char16_t));
-    return String16(units16.data(), units16.size());
+    *units = static_cast<size_t>(count);
+    return block;
+}
+
+String16 Parcel::readString16() const
+{
+    String16 text;
+    readString16(&text);
+    return text;
+}
+
+status_t Parcel::readString16(String16* out) const
+{
+    size_t count = 0;
+    const uint8_t* block = TakeString16(&count);
+    if (block == nullptr) {
+        *out = String16();
+        return UNEXPECTED_NULL;
+    }
+    std::u16string units(count, u'\0');
+    std::memcpy(&units[0], block, count * sizeof(char16_t));
+    *out = String16(units.data(), units.size());
+    return NO_ERROR;
+}
+
+status_t Parcel::readUtf8FromUtf16(std::string* out) const
+{
+    size_t count = 0;
+    const uint8_t* block = TakeString16(&count);
+    if (block == nullptr) {
+        return UNEXPECTED_NULL;
+    }
+    if (count == 0) {
+        out->clear();
+        return NO_ERROR;
+    }
+    std::u16string units(count, u'\0');
+    std::memcpy(&units[0], block, count * sizeof(char16_t));
+    const ssize_t utf8Len = utf16_to_utf8_length(units.data(), units.size());
+    if (utf8Len < 0) {
+        return BAD_VALUE;
+    }
+    // utf16_to_utf8 writes a terminator after the text.
+    out->resize(static_cast<size_t>(utf8Len) + 1);
+    utf16_to_utf8(units.data(), units.size(), &(*out)[0], out->size());
+    out->resize(static_cast<size_t>(utf8Len));
+    return NO_ERROR;
 }
 
 }  // namespace android

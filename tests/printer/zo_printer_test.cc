@@ -57,6 +57,7 @@ TEST(Printer, PrintsOneRowPerPassBetweenSeparators)
     for (const auto& c : cases) {
         android::Parcel reply;
         c.reply(reply);
+        reply.setDataPosition(0);  // written, then read from the start as the console's setData leaves it
         Array<std::string> tags;
         for (const char* tag = c.tags; *tag != '\0'; ++tag) {
             tags.PushBack(std::string(1, *tag));
