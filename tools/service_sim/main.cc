@@ -14,6 +14,7 @@
 #include "sim_options.h"
 #include "zo_file_parse_quiet_load.h"
 #include "zo_shm_service.h"
+#include "zo_usage_error.h"
 
 namespace {
 
@@ -26,8 +27,7 @@ void OnStopSignal(int)
 
 int UsageError(const std::string& error)
 {
-    std::fprintf(stderr, "zo_service_sim: %s\n%s", error.c_str(), SimUsage());
-    return 2;
+    return ZoUsageError("zo_service_sim", error, SimSynopsis());
 }
 
 }  // namespace
