@@ -36,7 +36,9 @@ int main(int argc, char** argv)
         return 0;
     }
     if (argc != 2) {
-        return ZoUsageError(kProgram, argc < 2 ? "missing DIR" : "one directory expected, got " + std::to_string(argc - 1) + " arguments", kSynopsis);
+        const std::string reason =
+            argc < 2 ? "missing DIR" : "one directory expected, got " + std::to_string(argc - 1) + " arguments";
+        return ZoUsageError(kProgram, reason, kSynopsis);
     }
     if (argv[1][0] == '-') {
         return ZoUsageError(kProgram, std::string("unknown option ") + argv[1], kSynopsis);
