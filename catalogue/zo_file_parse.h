@@ -47,6 +47,7 @@ public:
         kPrintFormat,
         kPrintTags,
         kDescription,
+        kCount,  // the number of keys above, kNone included; keep it last
     };
 
     // What became of a finished block offered to the catalogue.

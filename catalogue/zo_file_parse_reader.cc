@@ -221,6 +221,7 @@ ZoFileParse::Key ZoFileParse::SetCmdKey(const std::string& row, ZoCmdInfo& cmd) 
             cmd.strDescrip = GetDescription(row);
             break;
         case Key::kNone:
+        case Key::kCount:
             break;
     }
     return key;

@@ -119,7 +119,8 @@ KeyText TextOf(ZoFileParse::Key key)
         case ZoFileParse::Key::kPrintFormat: return {"print format", "IsPrintFmt string str.size(): %d"};
         case ZoFileParse::Key::kPrintTags: return {"print tags", "IsPrintTags string str.size(): %d"};
         case ZoFileParse::Key::kDescription: return {"description", "IsDescription string str.size(): %d"};
-        case ZoFileParse::Key::kNone: break;
+        case ZoFileParse::Key::kNone:
+        case ZoFileParse::Key::kCount: break;
     }
     return {"", ""};
 }

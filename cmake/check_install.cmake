@@ -27,7 +27,7 @@ if(NOT programs STREQUAL expected OR strays
 endif()
 
 # --help: usage on standard output, status 0; the console takes no options:
-# a missing directory is a usage error, status 2, usage on standard error.
+# a missing directory is a usage error, status 2, the reason and the usage on standard error.
 # Each run: program, argument ("none" for none), status, start of standard output ("none" for nothing).
 foreach(run "zo_service_sim;--help;0;usage" "zo_conf_check;--help;0;usage" "zo_cmd_debug_host;none;2;none")
   list(GET run 0 program)
@@ -38,7 +38,7 @@ foreach(run "zo_service_sim;--help;0;usage" "zo_conf_check;--help;0;usage" "zo_c
   string(REGEX REPLACE "^none$" "" out_word ${out_word})
   execute_process(COMMAND ${PREFIX}/bin/${program} ${arg}
     RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT status STREQUAL want OR NOT out MATCHES "^${out_word}" OR (want EQUAL 2 AND NOT err MATCHES "^usage: "))
+  if(NOT status STREQUAL want OR NOT out MATCHES "^${out_word}" OR (want EQUAL 2 AND NOT err MATCHES "\nusage: "))
     message(FATAL_ERROR "${program} ${arg}: status ${status} (want ${want})\nout: ${out}\nerr: ${err}")
   endif()
 endforeach()

@@ -29,7 +29,8 @@ TEST(ConsoleEnds, MissingOrExtraArgumentPrintsUsageAndExits2)
         ConsoleRun run;
         ASSERT_TRUE(run.StartProgram(args));
         EXPECT_EQ("exit 2", run.Exit());
-        EXPECT_EQ(0u, run.Pty().Screen().find("usage: ")) << run.Pty().Screen();
+        EXPECT_EQ(0u, run.Pty().Screen().find("zo_cmd_debug_host: ")) << run.Pty().Screen();
+        EXPECT_NE(std::string::npos, run.Pty().Screen().find("\r\nusage: zo_cmd_debug_host DIR (")) << run.Pty().Screen();
     }
 }
 

@@ -60,6 +60,15 @@ bool PrefixWithoutDigit(const std::string& value)
            !std::isxdigit(static_cast<unsigned char>(value.c_str()[zero + 2]));
 }
 
+// Editors on Windows may start a UTF-8 file with these bytes; the console
+// reads them as the first characters of line 1.
+const char kByteOrderMark[] = "\xef\xbb\xbf";
+
+bool StartsWithByteOrderMark(const std::string& text)
+{
+    return text.compare(0, 3, kByteOrderMark) == 0;
+}
+
 // "mods.conf" out of "DIR/mods.conf".
 std::string BaseName(const std::string& path)
 {
@@ -87,6 +96,7 @@ const char* KeyName(ConfKey key)
         case ConfKey::kDescription:
             return "description";
         case ConfKey::kNone:
+        case ConfKey::kCount:
             break;
     }
     return "";
@@ -101,7 +111,7 @@ ConfRecorder::ConfRecorder(const std::string& modsPath, const std::string& cmdsP
 void ConfRecorder::Finish()
 {
     for (const std::string* path : {&m_modsPath, &m_cmdsPath}) {
-        if (m_withBlocks.count(*path) == 0 && m_empty.count(*path) == 0) {
+        if (m_withBlocks.count(*path) == 0 && m_empty.count(*path) == 0 && m_marked.count(*path) == 0) {
             m_diagnostics.Error(*path, 1,
                                 "the file holds no block (no \"[title]\" row): the console loads nothing from it");
         }
@@ -118,6 +128,7 @@ const std::string& ConfRecorder::Follow(const char* file)
         m_keyRows.fill(0);
         m_endRow = 0;
         m_pendingEnd = 0;
+        m_markHides = false;
     }
     return std::strcmp(file, "mods.conf") == 0 ? m_modsPath : m_cmdsPath;
 }
@@ -134,6 +145,7 @@ void ConfRecorder::OnBlockOpened(const char* file, int row, const std::string& n
     m_withBlocks.insert(Follow(file));
     m_blockName = name;
     m_blockRow = row;
+    m_markHides = false;
     m_keyRows.fill(0);
     m_endRow = 0;
     m_pendingEnd = 0;
@@ -178,8 +190,12 @@ void ConfRecorder::OnBlockEndedEarly(const char* file, int row, const std::strin
 void ConfRecorder::OnRowSkipped(const char* file, int row, const std::string& text, Key key)
 {
     const std::string& path = Follow(file);
-    if (row == m_endRow) {
-        return;  // the row that ended the block, read again; reported already
+    if (row == m_endRow || m_markHides) {
+        return;  // the row that ended the block, read again, or one lost to the mark: reported already
+    }
+    if (row == 1 && StartsWithByteOrderMark(text)) {
+        OnByteOrderMark(path, text);
+        return;
     }
     if (key != Key::kNone) {
         std::string where = "there is no block title above it";
@@ -189,7 +205,7 @@ void ConfRecorder::OnRowSkipped(const char* file, int row, const std::string& te
         }
         if (m_pendingEnd != 0) {
             m_diagnostics.Error(path, m_pendingEnd,
-                                std::string(m_pendingBlank ? "a row of blanks only" : "this row is no key row and") +
+                                std::string(m_pendingBlank ? "a row of only blanks" : "this row is no key row and") +
                                     " ends block '" + m_blockName + "' (line " + std::to_string(m_blockRow) +
                                     "): the key rows after it up to the next block title are ignored");
             m_pendingEnd = 0;
@@ -201,6 +217,24 @@ void ConfRecorder::OnRowSkipped(const char* file, int row, const std::string& te
             path, row,
             "'" + KeyPart(text) + "' is no key of " + BaseName(path) + ", and the row is outside a block: ignored");
     }
+}
+
+// One diagnostic for the mark and all it costs: the rows it keeps out of the
+// catalogue up to the next title are not named one by one.
+void ConfRecorder::OnByteOrderMark(const std::string& path, const std::string& text)
+{
+    m_marked.insert(path);
+    const std::string rest = Trimmed(text.substr(3));
+    const std::string what = std::string("the file starts with a UTF-8 byte-order mark (") + kByteOrderMark +
+                             "), which the console reads as text: ";
+    if (rest.empty() || rest[0] == '#' || rest[0] == ';') {
+        m_diagnostics.Warning(path, 1, what + "harmless here, as line 1 is no title or key row anyway");
+        return;
+    }
+    m_markHides = true;
+    m_diagnostics.Error(path, 1,
+                        what + "line 1 is no " + (rest[0] == '[' ? "block title" : "key row") +
+                            ", and every row up to the next block title is ignored; save the file without it");
 }
 
 void ConfRecorder::OnLongTitleRow(const char* file, int row, const std::string& text, size_t length)

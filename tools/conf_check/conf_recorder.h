@@ -1,10 +1,10 @@
 // ConfRecorder: watches the catalogue read "mods.conf" and "cmds.conf" and
 // reports, through ConfDiagnostics, what the reader passes over or cuts: rows
 // that end a block early and the key rows lost behind them, keys given twice
-// in a block, over-long titles and values, values cut at a NUL byte and
-// instructions that are no number. Each finished block, taken by the
-// catalogue or dropped, is handed to ConfRules as it is finished; nothing is
-// kept per row or per block.
+// in a block, over-long titles and values, values cut at a NUL byte,
+// instructions that are no number, and a UTF-8 byte-order mark on line 1.
+// Each finished block, taken by the catalogue or dropped, is handed to
+// ConfRules as it is finished; nothing is kept per row or per block.
 //
 // Diagnostics name the files by the paths given to the constructor.
 #ifndef ZO_TOOLS_CONF_CHECK_CONF_RECORDER_H
@@ -23,7 +23,7 @@ using ConfKey = ZoFileParse::Key;
 const char* KeyName(ConfKey key);
 
 // Rows of the keys of one block, by key; 0 for a key the block lacks.
-using ConfKeyRows = std::array<int, static_cast<size_t>(ConfKey::kDescription) + 1>;
+using ConfKeyRows = std::array<int, static_cast<size_t>(ConfKey::kCount)>;
 
 // One finished block of either file: the row of its title, the row that set
 // each key last, the record as offered and what the catalogue made of it.
@@ -68,6 +68,8 @@ public:
 private:
     // The path of file, after forgetting the block state of the other file.
     const std::string& Follow(const char* file);
+    // Line 1 of path, text, starts with a UTF-8 byte-order mark.
+    void OnByteOrderMark(const std::string& path, const std::string& text);
 
     std::string m_modsPath;
     std::string m_cmdsPath;
@@ -75,6 +77,7 @@ private:
     ConfRules& m_rules;
     std::set<std::string> m_withBlocks;  // paths of the files in which a block opened
     std::set<std::string> m_empty;       // paths of the files without rows
+    std::set<std::string> m_marked;      // paths of the files that start with a byte-order mark
 
     // The file being read and its block state.
     std::string m_file;
@@ -83,7 +86,8 @@ private:
     ConfKeyRows m_keyRows{};
     int m_endRow = 0;             // the row that ended the last block early; read again outside
     int m_pendingEnd = 0;         // such a row not yet reported, worth reporting once a key row is lost behind it
-    bool m_pendingBlank = false;  // that row holds blanks only
+    bool m_pendingBlank = false;  // that row holds only blanks
+    bool m_markHides = false;     // rows outside a block are lost to a byte-order mark on line 1: not named again
 };
 
 #endif  // ZO_TOOLS_CONF_CHECK_CONF_RECORDER_H

@@ -16,16 +16,19 @@
 #include "conf_recorder.h"
 #include "conf_rules.h"
 #include "zo_file_parse.h"
+#include "zo_usage_error.h"
 
 namespace
 {
 
 constexpr int kExitErrors = 1;
-constexpr int kExitCannotRun = 2;
+constexpr int kExitCannotRun = kExitUsage;
 
-// A printf format: the number of problems printed.
+const char kProgram[] = "zo_conf_check";
+const char kSynopsis[] = "zo_conf_check DIR [--quiet]";
+// A printf format: the usage line, then the number of problems printed.
 const char kUsage[] =
-    "usage: zo_conf_check DIR [--quiet]\n"
+    "usage: %s\n"
     "\n"
     "Checks DIR/mods.conf and DIR/cmds.conf, the console's catalogue, with the\n"
     "console's own reader. Each problem is printed as FILE:LINE: error: text or\n"
@@ -45,14 +48,7 @@ const char kUsage[] =
 
 void PrintUsage(FILE* out)
 {
-    fprintf(out, kUsage, static_cast<unsigned>(ConfDiagnostics::kDefaultShown));
-}
-
-int UsageError(const std::string& reason)
-{
-    fprintf(stderr, "zo_conf_check: %s\n", reason.c_str());
-    PrintUsage(stderr);
-    return kExitCannotRun;
+    fprintf(out, kUsage, kSynopsis, static_cast<unsigned>(ConfDiagnostics::kDefaultShown));
 }
 
 // True when path can be opened and read; otherwise prints why on stderr.
@@ -106,7 +102,7 @@ int main(int argc, char** argv)
         error = "missing DIR";
     }
     if (!error.empty()) {
-        return UsageError(error);
+        return ZoUsageError(kProgram, error, kSynopsis);
     }
 
     // The console appends "/mods.conf" to its directory; the report names the

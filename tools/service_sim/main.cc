@@ -12,6 +12,7 @@
 #include "service_sim.h"
 #include "sim_options.h"
 #include "sim_page.h"
+#include "zo_usage_error.h"
 
 namespace {
 
@@ -24,8 +25,7 @@ void OnStopSignal(int)
 
 int UsageError(const std::string& error)
 {
-    std::fprintf(stderr, "zo_service_sim: %s\n%s", error.c_str(), SimUsage());
-    return 2;
+    return ZoUsageError("zo_service_sim", error, SimSynopsis());
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 
 namespace {
 
-const char kUsage[] =
-    "usage: zo_service_sim DIR [options]\n"
+// The text of --help after its usage line.
+const char kHelp[] =
     "\n"
     "Stands in for the middleware service: creates DIR/.tv (4096 bytes) when it is\n"
     "missing or short, maps it, and answers the console's requests, decoding each\n"
@@ -38,9 +38,10 @@ const char kUsage[] =
     "CODE is a command's own instruction code, STATUS the reply status (both\n"
     "0x hex, decimal or negative). The values follow the command's print format,\n"
     "letter by letter, starting again at the first letter for the next row; a\n"
-    "string is one word or a \"quoted text\" (\\\" and \\\\ inside quotes). Example:\n"
+    "string is one word or a \"quoted text\" (\\\" and \\\\ inside quotes). Example,\n"
+    "for the catalogue in examples/ (count, list, tune):\n"
     "  0x11 0 3\n"
-    "  0x12 0 1 \"BBC One\" 2 News\n"
+    "  0x15 0 1 474000 \"Northgate One\" 2 474000 News\n"
     "  0x13 0x80000001\n"
     "Codes without a line get the built-in values.\n"
     "\n"
@@ -71,9 +72,15 @@ bool ParseInt32Word(const char* text, int32_t& value)
 
 }  // namespace
 
+const char* SimSynopsis()
+{
+    return "zo_service_sim DIR [options]";
+}
+
 const char* SimUsage()
 {
-    return kUsage;
+    static const std::string usage = std::string("usage: ") + SimSynopsis() + "\n" + kHelp;
+    return usage.c_str();
 }
 
 bool ParseSimOptions(int argc, char* const argv[], SimOptions& opts, std::string& error)

@@ -25,7 +25,9 @@ struct SimOptions {
     bool help = false;
 };
 
-// The text printed by --help and, on a usage error, to standard error.
+// The usage line without "usage: ", as a usage error shows it.
+const char* SimSynopsis();
+// The text printed by --help.
 const char* SimUsage();
 
 // Fills opts from argv. Returns true on success; otherwise false with a

@@ -50,7 +50,7 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
     } cases[] = {
         {kMod, kCmd, {"0 errors, 0 warnings"}},
         {ReadFile(ZO_EXAMPLES_DIR "/mods.conf"), ReadFile(ZO_EXAMPLES_DIR "/cmds.conf"),
-         {"cmds.conf:37: warning: \"para format\" 'dS': the letter S is not supported", "0 errors, 1 warning"}},
+         {"cmds.conf:39: warning: \"para format\" 'dS': the letter S is not supported", "0 errors, 1 warning"}},
         // Rows the reader passes over or cuts.
         {"instruction = 0x5\n" + kMod + "# keys end here\ndescription = d\n[" + std::string(5000, 'T') + "]\n",
          "[c]\ncommand = c\nbelong module = M\nprint tags = a\nprint tags = b\nInstruction = 0x11\ninstruction = 0x11\n"
@@ -60,7 +60,7 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
          {"cmds.conf:1: error: command 'c' has no \"instruction\"", "cmds.conf:5: warning: \"print tags\" is given",
           "cmds.conf:5: warning: \"print tags\" without a", "cmds.conf:6: error: 'Instruction' is no key of cmds.conf",
           "cmds.conf:7: error: \"instruction\" row outside a block is ignored (block 'c' (line 1) ended at line 6)",
-          "cmds.conf:8: error: command 'd' has no \"belong", "cmds.conf:10: error: a row of blanks only ends block",
+          "cmds.conf:8: error: command 'd' has no \"belong", "cmds.conf:10: error: a row of only blanks ends block",
           "cmds.conf:11: error: \"belong module\" row outside", "cmds.conf:15: error: instruction 'zz' is no hex",
           "cmds.conf:16: error: the text after \"=\" of \"description\" is 256 characters long (at most 254)",
           "cmds.conf:17: error: block title of 262 characters is too long (at most 255)",
@@ -110,6 +110,17 @@ TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
          {"cmds.conf:1: error: the file holds no block (no \"[title]\" row): the console loads nothing from it",
           "cmds.conf:2: error: \"command\" row outside", "mods.conf:1: error: the file holds no block",
           "mods.conf:3: warning: 'a\\x00b\\\\' is no key of mods.conf", "3 errors, 1 warning"}},
+        // A byte-order mark: one diagnostic, whatever it hides.
+        {"\xef\xbb\xbf" + kMod + "description = x\n" + Mod("N", "n", "0x20"),
+         "\xef\xbb\xbf# commands\n" + Cmd("c", "N", "0x21") + Cmd("d", "M", "0x12"),
+         {"cmds.conf:1: warning: the file starts with a UTF-8 byte-order mark (\\xef\\xbb\\xbf), which the console "
+          "reads as text: harmless here", "cmds.conf:8: error: no module 'M' in mods.conf",
+          "mods.conf:1: error: the file starts with a UTF-8 byte-order mark (\\xef\\xbb\\xbf), which the console "
+          "reads as text: line 1 is no block title, and every row up to the next block title is ignored",
+          "2 errors, 1 warning"}},
+        {"\xef\xbb\xbf" + kMod, kCmd,
+         {"cmds.conf:3: error: no module 'M'", "mods.conf:1: error: the file starts with a UTF-8 byte-order mark",
+          "2 errors, 0 warnings"}},
         // Format letters and print tags.
         {kMod,
          Cmd("a", "M", "1", "para format = d d\nprint format = dS\nprint tags = x,y\n") +
@@ -175,6 +186,8 @@ TEST(ZoConfCheck, QuietLimitedUnreadableAndUsage)
              {{dir.Path(), "--loud"}, "unknown option --loud"},
              {{"a", "b"}, "unexpected argument 'b'"}}) {
         EXPECT_EQ(2, Check(dir, usage.first));
-        EXPECT_EQ(0u, ReadFile(dir.File("err")).find("zo_conf_check: " + usage.second + "\nusage: zo_conf_check DIR"));
+        EXPECT_EQ("zo_conf_check: " + usage.second +
+                      "\nusage: zo_conf_check DIR [--quiet] (zo_conf_check --help tells more)\n",
+                  ReadFile(dir.File("err")));
     }
 }

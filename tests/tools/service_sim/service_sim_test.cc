@@ -1,5 +1,7 @@
 // zo_service_sim as a real second process on a real mapped page.
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "hex_words.h"
@@ -136,7 +138,45 @@ TEST(ServiceSim, BadArgumentsAndRepliesFilesExitWithTwo)
                                            : c.first);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2) << c.second << ": " << status;
         EXPECT_NE(sim.Errors().find(c.second), std::string::npos) << sim.Errors();
+        if (c.second == "usage:") {  // the reason and the usage line, not the whole help
+            const std::string errors = sim.Errors();
+            EXPECT_EQ(2, std::count(errors.begin(), errors.end(), '\n')) << errors;
+        }
     }
+}
+
+// The replies file that --help shows runs on the example catalogue, as it says.
+TEST(ServiceSim, HelpsRepliesExampleAnswersTheExamples)
+{
+    SimProcess sim;
+    const int status = sim.Run({"--help"});
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    std::string line;
+    while ((line = sim.ReadLine()).find("Example,") == std::string::npos && line != "<timeout>") {
+    }
+    sim.ReadLine();  // "for the catalogue in examples/ ..."
+    std::string example;
+    while ((line = sim.ReadLine()).compare(0, 2, "  ") == 0) {
+        example += line + "\n";
+    }
+    sim.dir.Write("mods.conf", ReadFile(ZO_EXAMPLES_DIR "/mods.conf"));
+    sim.dir.Write("cmds.conf", ReadFile(ZO_EXAMPLES_DIR "/cmds.conf"));
+    ASSERT_TRUE(sim.Start({"--replies", sim.dir.Write("replies", example)})) << example << sim.Errors();
+    const struct {
+        const char* request;
+        const char* reply;
+    } cases[] = {
+        {"11000000", "00000000 03000000"},
+        {"15000000", "00000000 01000000 903b0700 0d000000 4e006f00 72007400 68006700 61007400 65002000 4f006e00 "
+                     "65000000 02000000 903b0700 04000000 4e006500 77007300 00000000"},
+        {"13000000 01000000", "01000080"},
+    };
+    for (const auto& c : cases) {
+        sim.Post(FromHex(c.request), uint32_t(FromHex(c.request).size()));
+        sim.ReadLine();
+        EXPECT_EQ(c.reply, HexWords(sim.Reply().data(), sim.Reply().size())) << example;
+    }
+    EXPECT_EQ(0u, sim.Errors().find("zo_service_sim: answering 15 commands")) << sim.Errors();
 }
 
 // A page that cannot be used ends the simulator with status 1 and a message
