@@ -84,9 +84,8 @@ foreach(program zo_cmd_debug_host zo_conf_check zo_service_sim)
 endforeach()
 
 install(TARGETS ${ZO_PACKAGE_TARGETS} EXPORT ZoShmServiceTargets ARCHIVE DESTINATION lib)
-# A folder may hold code of libraries outside the package too (shm/ holds the
-# console's half of the page): a header whose source no packaged library
-# compiles stays out.
+# A folder may hold code of libraries outside the package too: a header whose
+# source no packaged library compiles stays out.
 set(packaged_sources "")
 foreach(target IN LISTS ZO_PACKAGE_TARGETS)
   get_target_property(dir ${target} SOURCE_DIR)

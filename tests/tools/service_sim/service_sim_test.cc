@@ -11,7 +11,7 @@ namespace {
 
 // 'rename' shares the code 0x11 with 'count' and loses: Channel sorts first.
 // The request lines and every decoding fault are the service library's
-// (tests/shm); here, what the simulator adds.
+// (tests/service); here, what the simulator adds.
 void WriteCatalogue(const TempDir& dir)
 {
     dir.Write("mods.conf", "[Channel]\ninstruction = 0x10\n[Picture]\ninstruction = 0x20\n");
