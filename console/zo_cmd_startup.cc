@@ -3,7 +3,6 @@
 // completion candidates, reading and dispatching lines until the end.
 #include "zo_cmd_debug.h"
 
-#include <signal.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -36,9 +35,7 @@ void ZoCmdDebug::Exec()
     g_pShareMem = MapSwapFile();
     GuardPageAgainstTruncation(g_pShareMem);
 
-    signal(SIGINT, QuitHandler);
-    signal(SIGTSTP, SuspendHandler);
-    signal(SIGCONT, ResumeHandler);
+    InstallRunHandlers();
     // Without the thread Ctrl-C would do nothing at all.
     const int rc = m_signalThread.Run(2);
     if (rc != 0) {
