@@ -162,9 +162,13 @@ public:
     // that stops the process at once, as by default, with the terminal handed
     // to the shell while it is stopped and raw mode taken up again after fg.
     static void InstallStartupHandlers();
-    // Exec's handlers, in this order: SIGINT, SIGTSTP, SIGCONT (which also
-    // notes a stop ended by another process, for the signal thread).
+    // Exec's handlers, in this order: SIGINT, SIGTSTP, SIGCONT. A SIGCONT from
+    // another process ends a stop (raw mode is taken up again); one the
+    // console sent itself changes nothing.
     static void InstallRunHandlers();
+    // Blocks SIGINT, SIGTSTP and SIGCONT in the calling thread, once the
+    // signal thread runs, so that they reach that thread.
+    static void LeaveSignalsToThread();
     // SIGTERM, SIGHUP, SIGQUIT and SIGPIPE while the console holds the
     // terminal raw: puts the terminal back as the line editor found it (only
     // when the console owns it), then ends the process by the same signal, so

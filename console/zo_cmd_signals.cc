@@ -19,6 +19,7 @@
 // effect, with the terminal already the shell's.
 #include "zo_cmd_debug.h"
 
+#include <pthread.h>
 #include <signal.h>
 #include <time.h>
 #include <unistd.h>
@@ -83,22 +84,26 @@ void TakeUpTerminal()
 }
 
 // Any SIGCONT but the ones the console sends itself ends a stop.
-void NoteContinued(const siginfo_t* info)
+bool FromElsewhere(const siginfo_t* info)
 {
-    if (info == nullptr || info->si_pid != getpid()) {
-        g_rawModeLeft = true;
-    }
+    return info == nullptr || info->si_pid != getpid();
 }
 
 void ContinuedWhileLoading(int /*signo*/, siginfo_t* info, void* /*context*/)
 {
-    NoteContinued(info);
+    if (FromElsewhere(info)) {
+        g_rawModeLeft = true;
+    }
 }
 
+// A SIGCONT the console sent itself leaves the state alone: it is "resume"
+// already, unless a Ctrl-Z or Ctrl-C came in between, which must not be lost.
 void ContinuedHandler(int signo, siginfo_t* info, void* /*context*/)
 {
-    NoteContinued(info);
-    ZoCmdDebug::ResumeHandler(signo);
+    if (FromElsewhere(info)) {
+        g_rawModeLeft = true;
+        ZoCmdDebug::ResumeHandler(signo);
+    }
 }
 
 // Ctrl-Z before Exec stops the process at once, as by default, with the
@@ -208,6 +213,20 @@ void ZoCmdDebug::InstallRunHandlers()
     signal(SIGINT, QuitHandler);
     signal(SIGTSTP, SuspendHandler);
     Install(SIGCONT, ContinuedHandler);
+}
+
+// The kernel drops a pending stop signal when a SIGCONT is sent. A Ctrl-Z
+// delivered to a thread that the scheduler lets wait would be lost to the
+// signal thread's next SIGCONT; taken by the signal thread itself it is
+// handled before that thread runs on.
+void ZoCmdDebug::LeaveSignalsToThread()
+{
+    sigset_t jobControl;
+    sigemptyset(&jobControl);
+    sigaddset(&jobControl, SIGINT);
+    sigaddset(&jobControl, SIGTSTP);
+    sigaddset(&jobControl, SIGCONT);
+    pthread_sigmask(SIG_BLOCK, &jobControl, nullptr);
 }
 
 // Only async-signal-safe calls: the terminal's owner check and one tcsetattr,

@@ -42,6 +42,7 @@ void ZoCmdDebug::Exec()
         printf("can't start the signal thread: %s\n", strerror(rc));
         exit(1);
     }
+    LeaveSignalsToThread();
 
     if (m_pFileParse == nullptr) {
         printf("please load cfg before call <%s>.\n", "Exec");
