@@ -162,9 +162,9 @@ public:
     // that stops the process at once, as by default, with the terminal handed
     // to the shell while it is stopped and raw mode taken up again after fg.
     static void InstallStartupHandlers();
-    // Exec's handlers, in this order: SIGINT, SIGTSTP, SIGCONT. A SIGCONT from
-    // another process ends a stop (raw mode is taken up again); one the
-    // console sent itself changes nothing.
+    // Exec's handlers, in this order: SIGINT, SIGTSTP, SIGCONT, each run with
+    // the other two blocked. A SIGCONT from another process ends a stop (raw
+    // mode is taken up again); one the console sent itself changes nothing.
     static void InstallRunHandlers();
     // Blocks SIGINT, SIGTSTP and SIGCONT in the calling thread, once the
     // signal thread runs, so that they reach that thread.

@@ -116,13 +116,37 @@ void StopWhileLoading(int /*signo*/)
     TakeUpTerminal();
 }
 
-void Install(int signo, void (*action)(int, siginfo_t*, void*))
+// SIGINT, SIGTSTP and SIGCONT: the signals whose handlers record the state.
+sigset_t StateSignals()
 {
-    struct sigaction handler = {};
-    handler.sa_sigaction = action;
-    handler.sa_flags = SA_SIGINFO | SA_RESTART;
-    sigemptyset(&handler.sa_mask);
-    sigaction(signo, &handler, nullptr);
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGINT);
+    sigaddset(&set, SIGTSTP);
+    sigaddset(&set, SIGCONT);
+    return set;
+}
+
+// Each state handler runs with the other two blocked. Otherwise a Ctrl-Z
+// delivered on top of a SIGCONT handler that had not yet stored its state
+// would be overwritten by it as that handler goes on: the states are stored
+// in the order the signals were taken, so that the last one decides.
+void Install(int signo, void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    action.sa_mask = StateSignals();
+    sigaction(signo, &action, nullptr);
+}
+
+void Install(int signo, void (*handler)(int, siginfo_t*, void*))
+{
+    struct sigaction action = {};
+    action.sa_sigaction = handler;
+    action.sa_flags = SA_SIGINFO | SA_RESTART;
+    action.sa_mask = StateSignals();
+    sigaction(signo, &action, nullptr);
 }
 
 }  // namespace
@@ -210,8 +234,8 @@ void ZoCmdDebug::InstallStartupHandlers()
 
 void ZoCmdDebug::InstallRunHandlers()
 {
-    signal(SIGINT, QuitHandler);
-    signal(SIGTSTP, SuspendHandler);
+    Install(SIGINT, QuitHandler);
+    Install(SIGTSTP, SuspendHandler);
     Install(SIGCONT, ContinuedHandler);
 }
 
@@ -221,12 +245,8 @@ void ZoCmdDebug::InstallRunHandlers()
 // handled before that thread runs on.
 void ZoCmdDebug::LeaveSignalsToThread()
 {
-    sigset_t jobControl;
-    sigemptyset(&jobControl);
-    sigaddset(&jobControl, SIGINT);
-    sigaddset(&jobControl, SIGTSTP);
-    sigaddset(&jobControl, SIGCONT);
-    pthread_sigmask(SIG_BLOCK, &jobControl, nullptr);
+    const sigset_t stateSignals = StateSignals();
+    pthread_sigmask(SIG_BLOCK, &stateSignals, nullptr);
 }
 
 // Only async-signal-safe calls: the terminal's owner check and one tcsetattr,
