@@ -166,8 +166,8 @@ public:
     // the other two blocked. A SIGCONT from another process ends a stop (raw
     // mode is taken up again); one the console sent itself changes nothing.
     static void InstallRunHandlers();
-    // Blocks SIGINT, SIGTSTP and SIGCONT in the calling thread, once the
-    // signal thread runs, so that they reach that thread.
+    // Blocks SIGTSTP and SIGCONT in the calling thread, once the signal
+    // thread runs, so that they reach that thread.
     static void LeaveSignalsToThread();
     // SIGTERM, SIGHUP, SIGQUIT and SIGPIPE while the console holds the
     // terminal raw: puts the terminal back as the line editor found it (only

@@ -242,11 +242,15 @@ void ZoCmdDebug::InstallRunHandlers()
 // The kernel drops a pending stop signal when a SIGCONT is sent. A Ctrl-Z
 // delivered to a thread that the scheduler lets wait would be lost to the
 // signal thread's next SIGCONT; taken by the signal thread itself it is
-// handled before that thread runs on.
+// handled before that thread runs on. SIGINT needs no such care: a SIGCONT
+// drops no SIGINT, and one the console sent itself overwrites no state.
 void ZoCmdDebug::LeaveSignalsToThread()
 {
-    const sigset_t stateSignals = StateSignals();
-    pthread_sigmask(SIG_BLOCK, &stateSignals, nullptr);
+    sigset_t stopAndContinue;
+    sigemptyset(&stopAndContinue);
+    sigaddset(&stopAndContinue, SIGTSTP);
+    sigaddset(&stopAndContinue, SIGCONT);
+    pthread_sigmask(SIG_BLOCK, &stopAndContinue, nullptr);
 }
 
 // Only async-signal-safe calls: the terminal's owner check and one tcsetattr,
