@@ -1,6 +1,6 @@
-// Ctrl-C, Ctrl-Z and resumption. The handlers only record which signal came;
-// the signal thread looks every 10 ms and acts by signalling the console's
-// own process, so nothing but one store happens in signal context.
+// Ctrl-C, Ctrl-Z and resumption. The handlers only record which signal came
+// (and that a stop has ended); the signal thread looks every 10 ms and acts
+// by signalling the console's own process.
 //
 // A raw-mode program must look after its terminal across a stop itself, as
 // shells differ: bash puts back its own settings when a job stops but not
