@@ -52,7 +52,7 @@ ZoCmdDebug* ZoCmdDebug::GetInstance()
     if (ms_pInstance == nullptr) {
         // Armed before the terminal goes raw, so that no moment is left in
         // which the process can end without putting it back.
-        InstallEndHandlers();
+        InstallStartupHandlers();
         std::atexit(ZoStream::RestoreFoundTermios);
         g_previousTerminate = std::set_terminate(RestoreTerminalThenTerminate);
         // Lives until the process ends: the signal thread may still reach it

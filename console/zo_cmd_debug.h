@@ -80,7 +80,7 @@ class ZoCmdDebug {
 public:
     // The one console object, created on first use; creating it puts the
     // terminal into the line editor's raw mode. From then on every exit of the
-    // process, the end signals (InstallEndHandlers) and an uncaught exception
+    // process, the end signals (EndHandler) and an uncaught exception
     // put the terminal back as the editor found it; only the Ctrl-C kill
     // leaves it raw.
     static ZoCmdDebug* GetInstance();
@@ -98,8 +98,8 @@ public:
     // Maps the shared page, installs the signal handlers, starts the signal
     // thread and runs the prompt loop; restores the terminal and unmaps the
     // page after a normal end. Ends the process with exit(1) when the swap
-    // file cannot back the page or another console uses it (MapSwapFile),
-    // when the page cannot be unmapped, and when the signal thread cannot start.
+    // file cannot back the page (MapSwapFile), when the page cannot be
+    // unmapped, and when the signal thread cannot start.
     void Exec();
     // The prompt loop: 0 after "q"/"quit" at the top level or the end of input.
     int DoWork();
@@ -151,17 +151,30 @@ public:
     static void SuspendHandler(int signo);
     static void ResumeHandler(int signo);
     // Body of m_signalThread: acts on g_enSignalState every 10 ms, for ever;
-    // hands the terminal back to the shell before each stop and takes raw mode
-    // up again once the console is back in the foreground.
+    // hands the terminal back to the shell before each stop it makes and takes
+    // raw mode up again once the console is back in the foreground after any
+    // stop.
     static void SignalDectThread(const void* arg);
     static void OnQuit();
     static void OnSuspend();
     static void OnResume();
-    // SIGTERM, SIGHUP, SIGQUIT and SIGPIPE: EndHandler puts the terminal back
-    // as the line editor found it, then ends the process by the same signal,
-    // so that the shell still sees it. A signal the process was started
-    // ignoring (nohup) stays ignored.
-    static void InstallEndHandlers();
+    // Before the terminal goes raw: the end signals (EndHandler), and a Ctrl-Z
+    // that stops the process at once, as by default, with the terminal handed
+    // to the shell while it is stopped and raw mode taken up again after fg.
+    static void InstallStartupHandlers();
+    // Exec's handlers, in this order: SIGINT, SIGTSTP, SIGCONT, each run with
+    // the other two blocked. A SIGCONT from another process ends a stop (raw
+    // mode is taken up again); one the console sent itself changes nothing.
+    static void InstallRunHandlers();
+    // Blocks SIGTSTP and SIGCONT in the calling thread, once the signal
+    // thread runs, so that they reach that thread.
+    static void LeaveSignalsToThread();
+    // SIGTERM, SIGHUP, SIGQUIT and SIGPIPE while the console holds the
+    // terminal raw: puts the terminal back as the line editor found it (only
+    // when the console owns it), then ends the process by the same signal, so
+    // that the shell still sees it. While the console is stopped or in the
+    // background these signals have their default effect. A signal the
+    // process was started ignoring (nohup) stays ignored.
     static void EndHandler(int signo);
 
 private:

@@ -3,7 +3,6 @@
 // completion candidates, reading and dispatching lines until the end.
 #include "zo_cmd_debug.h"
 
-#include <signal.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -36,15 +35,14 @@ void ZoCmdDebug::Exec()
     g_pShareMem = MapSwapFile();
     GuardPageAgainstTruncation(g_pShareMem);
 
-    signal(SIGINT, QuitHandler);
-    signal(SIGTSTP, SuspendHandler);
-    signal(SIGCONT, ResumeHandler);
+    InstallRunHandlers();
     // Without the thread Ctrl-C would do nothing at all.
     const int rc = m_signalThread.Run(2);
     if (rc != 0) {
         printf("can't start the signal thread: %s\n", strerror(rc));
         exit(1);
     }
+    LeaveSignalsToThread();
 
     if (m_pFileParse == nullptr) {
         printf("please load cfg before call <%s>.\n", "Exec");

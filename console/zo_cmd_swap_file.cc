@@ -1,9 +1,8 @@
 // The swap file: opening it (creating it when missing), checking that it can
-// back the page, mapping its first page and claiming it for this console.
+// back the page, mapping its first page and telling of another console on it.
 #include "zo_cmd_swap_file.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -48,44 +47,41 @@ std::string CreationPath(std::string path)
     return path;
 }
 
-// One console per page: a second one would take the first one's replies. The
-// claim is a flock on a descriptor kept open for the process's life; it
-// belongs to that open file, so closing the mapping's descriptor keeps it, and
-// it goes with the process however that ends (the Ctrl-C kill included). A
-// POSIX record lock on the byte behind the page names the holder to the next
-// console: F_GETLK reports its process id, which flock does not; alone it
-// would not do, as any close of the file by this process drops it. (An open
-// file description's record lock, F_OFD_SETLK, would hold like flock, but it
-// reports no process id either and wants struct flock64 on the 32-bit device.)
-struct flock HolderLock()
+// Descriptors 0, 1 and 2 belong to the terminal. In a console started with one
+// of them closed, a descriptor of the swap file there would take the prompt
+// and the messages into the page; so every descriptor of the file is moved
+// above them.
+int AboveStandardStreams(int fd)
+{
+    if (fd < 0 || fd > STDERR_FILENO) {
+        return fd;
+    }
+    const int moved = fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    close(fd);
+    return moved;
+}
+
+// Nothing arbitrates between two consoles on one page (a second one may take
+// the first one's replies), but a console says when another one uses it. Each
+// console holds a shared POSIX record lock on the byte behind the page,
+// through a descriptor it keeps open for its whole life: any number can hold
+// it at once, it goes with the process however that ends (the Ctrl-C kill
+// included), and F_GETLK names the process id of another holder. Taken first
+// and looked for after, so that of two consoles starting together at least
+// one sees the other. Where the file system keeps no locks nothing is said.
+void WarnOfAnotherConsole(int fd)
 {
     struct flock lock {};
-    lock.l_type = F_WRLCK;
+    lock.l_type = F_RDLCK;
     lock.l_whence = SEEK_SET;
     lock.l_start = static_cast<off_t>(SHM_SIZE);
     lock.l_len = 1;
-    return lock;
-}
-
-// Ends the process when another console holds the claim. Where the file
-// system keeps no locks the console runs unclaimed.
-void ClaimOrExit(int claim)
-{
-    struct flock holder = HolderLock();
-    if (flock(claim, LOCK_EX | LOCK_NB) == 0) {
-        fcntl(claim, F_SETLK, &holder);  // only names this console; the claim holds without it
-        return;
+    fcntl(fd, F_SETLK, &lock);
+    lock.l_type = F_WRLCK;  // in the way of every other console's lock, never of this one's
+    if (fcntl(fd, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK) {
+        fprintf(stderr, "swap file %s is also used by another console (process %d): replies may cross\n",
+                g_strSwapFile.c_str(), static_cast<int>(lock.l_pid));
     }
-    if (errno != EWOULDBLOCK) {
-        return;
-    }
-    if (fcntl(claim, F_GETLK, &holder) == 0 && holder.l_type != F_UNLCK) {
-        printf("swap file %s is in use by another console (process %d)\n", g_strSwapFile.c_str(),
-               static_cast<int>(holder.l_pid));
-    } else {
-        printf("swap file %s is in use by another console\n", g_strSwapFile.c_str());
-    }
-    exit(1);
 }
 
 }  // namespace
@@ -107,6 +103,7 @@ void* MapSwapFile()
     if (!created && errno == EEXIST) {
         fd = open(creation.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0660);
     }
+    fd = AboveStandardStreams(fd);
     if (fd < 0) {
         printf("can't open swap file %s, errno = %d\n", g_strSwapFile.c_str(), errno);
         exit(1);
@@ -123,12 +120,13 @@ void* MapSwapFile()
         }
     }
     void* page = mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
-    const int claim = fcntl(fd, F_DUPFD_CLOEXEC, 0);  // the same open file, kept for the claim
+    // Kept for the lock: closing the mapping's descriptor drops every record lock the process holds on the file.
+    const int kept = fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     close(fd);
     if (page == MAP_FAILED) {
         perror("map share memery failed!\n");
         exit(1);
     }
-    ClaimOrExit(claim);
+    WarnOfAnotherConsole(kept);
     return page;
 }

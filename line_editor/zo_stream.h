@@ -45,8 +45,11 @@ public:
     int ResetTermios();
     // Puts back the settings the last Init of any editor read, with one
     // tcsetattr and nothing else: safe in a signal handler and at exit, where
-    // the console ends without going through ResetTermios. Prints nothing;
-    // does nothing when no Init has read settings.
+    // the console ends without going through ResetTermios. Like SuspendRawMode
+    // it acts only while the process's group owns the terminal, so that a
+    // process ending in the background neither changes its shell's settings
+    // nor stops for SIGTTOU. Prints nothing; does nothing when no Init has
+    // read settings.
     static void RestoreFoundTermios();
 
     // Job control: the shell owns the terminal while the console is stopped or
@@ -63,6 +66,10 @@ public:
     // no Init has read settings.
     static void SuspendRawMode();
     static bool ResumeRawMode();
+    // True while the process's group is the terminal's foreground group, and
+    // when no Init has read settings (there is no terminal to look after).
+    // Async-signal-safe, like the three calls above.
+    static bool OwnsTerminal();
 
     // The entered line (in the static buffer), the constant text "TAB" after a
     // completion listing (the caller prints the prompt again and calls Gets

@@ -3,6 +3,7 @@
 // ordinary bytes).
 #include "zo_stream.h"
 
+#include <cerrno>
 #include <cstdio>
 
 #include "zo_stream_key_table.h"
@@ -15,6 +16,22 @@ char s_achLine[ZoStream::kLineBufferSize];
 // Returned after a completion listing; callers recognise it by its text.
 char s_achTab[] = "TAB";
 
+// The next byte, or EOF at the end of input or on an error. A read cut short
+// by a signal is neither: the console's handlers ask for restarted reads, but
+// an emulator may still hand the interruption on (qemu-user, for a signal the
+// program ignores).
+int NextByte()
+{
+    for (;;) {
+        errno = 0;
+        const int byte = std::getchar();
+        if (byte != EOF || errno != EINTR) {
+            return byte;
+        }
+        std::clearerr(stdin);
+    }
+}
+
 }  // namespace
 
 // A partial line kept across a completion listing is shown again first: the
@@ -25,7 +42,7 @@ char* ZoStream::Gets()
         zo_screen::ShowText(m_strInbuffer.c_str());
     }
     for (;;) {
-        const int byte = std::getchar();
+        const int byte = NextByte();
         if (byte == EOF) {
             return nullptr;
         }

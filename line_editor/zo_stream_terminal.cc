@@ -27,10 +27,15 @@ void ReportTermiosFailure(const char* call, int ret, int err)
     std::fflush(stdout);
 }
 
+bool InForeground()
+{
+    return tcgetpgrp(STDIN_FILENO) == getpgrp();
+}
+
 // One tcsetattr while the process's group owns the terminal; false, with
 // nothing applied, while another group does. With SIGTTOU blocked, a change
 // made after the shell took the terminal back in between is carried out
-// instead of stopping the process.
+// instead of stopping the process. Async-signal-safe.
 bool ApplyInForeground(const struct termios& settings)
 {
     sigset_t ttou;
@@ -38,7 +43,7 @@ bool ApplyInForeground(const struct termios& settings)
     sigemptyset(&ttou);
     sigaddset(&ttou, SIGTTOU);
     pthread_sigmask(SIG_BLOCK, &ttou, &previous);
-    const bool foreground = tcgetpgrp(STDIN_FILENO) == getpgrp();
+    const bool foreground = InForeground();
     if (foreground) {
         tcsetattr(STDIN_FILENO, TCSANOW, &settings);
     }
@@ -109,15 +114,18 @@ int ZoStream::ResetTermios()
 void ZoStream::RestoreFoundTermios()
 {
     if (g_foundTermiosValid.load(std::memory_order_acquire)) {
-        tcsetattr(STDIN_FILENO, TCSANOW, &g_foundTermios);
+        ApplyInForeground(g_foundTermios);
     }
 }
 
 void ZoStream::SuspendRawMode()
 {
-    if (g_foundTermiosValid.load(std::memory_order_acquire)) {
-        ApplyInForeground(g_foundTermios);
-    }
+    RestoreFoundTermios();
+}
+
+bool ZoStream::OwnsTerminal()
+{
+    return !g_foundTermiosValid.load(std::memory_order_acquire) || InForeground();
 }
 
 bool ZoStream::ResumeRawMode()

@@ -4,6 +4,7 @@
 // status or the signal it expects.
 #include "console_run.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -16,6 +17,13 @@
 #include <fstream>
 
 namespace {
+
+// What a console says when another one, started by run, uses the page too.
+std::string AlsoUsedBy(ConsoleRun& run)
+{
+    return "swap file " + run.Page() + " is also used by another console (process " +
+           std::to_string(run.Pty().Pid()) + "): replies may cross\n";
+}
 
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool kSanitized = true;
@@ -153,24 +161,72 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
     }
 }
 
-// A second console on the page would take the first one's replies: it is refused while the first one lives, even
-// one killed by Ctrl-C's SIGKILL.
-TEST(ConsoleEnds, SecondConsoleOnThePageExits1WhileTheFirstLives)
+// Nothing arbitrates between two consoles on one page. The second one says so once and runs like the first; a
+// console killed by Ctrl-C's SIGKILL leaves nothing behind that warns the next one.
+TEST(ConsoleEnds, SecondConsoleOnThePageNamesTheFirstOnceAndRuns)
 {
     ConsoleRun first, second(false), third(false);
     ASSERT_TRUE(first.StartSim());
     ASSERT_EQ("", first.StartConsole());
     ASSERT_TRUE(second.StartProgram({first.Dir().Path()}));
-    EXPECT_EQ("exit 1", second.Exit());
-    EXPECT_EQ("swap file " + first.Page() + " is in use by another console (process " +
-                  std::to_string(first.Pty().Pid()) + ")\r\n",
-              second.Pty().Screen());
+    EXPECT_EQ(AlsoUsedBy(first), second.Type(""));
+    EXPECT_EQ("fmt\nFormats@", second.Type("fmt\n"));
+    EXPECT_NE(std::string::npos, second.Type("int 5\n").find("int:42")) << second.Pty().Screen();
     EXPECT_EQ("fmt\nFormats@", first.Type("fmt\n"));
     EXPECT_NE(std::string::npos, first.Type("int 5\n").find("int:42")) << first.Pty().Screen();
+    ASSERT_TRUE(second.Pty().Write("q\nq\n"));
+    EXPECT_EQ("exit 0", second.Exit());
     ASSERT_EQ(0, kill(first.Pty().Pid(), SIGKILL));
     EXPECT_EQ("signal 9, terminal raw", first.Exit());
     ASSERT_TRUE(third.StartProgram({first.Dir().Path()}));
     EXPECT_EQ("", third.Type(""));
+}
+
+// Started with some of descriptors 0, 1 and 2 closed (beside another console, or on a page too short), a console
+// writes only where its open ones lead: the prompt to standard output, the other console's name once to standard
+// error, never anything into the swap file.
+TEST(ConsoleEnds, ClosedStandardDescriptorsNeverLeadIntoTheSwapFile)
+{
+    struct Case {
+        const char* what;
+        bool closed[3];
+        size_t pageBytes;
+        std::string out;  // FIRST stands for the other console's warning
+        std::string err;
+        int status;
+    };
+    const Case cases[] = {
+        {"all three", {true, true, true}, SHM_SIZE, "", "", 0},
+        {"input and error", {true, false, true}, SHM_SIZE, "TV $", "", 0},
+        {"output", {false, true, false}, SHM_SIZE, "", "FIRST", 0},
+        {"output, page too short", {false, true, false}, SHM_SIZE - 1, "", "", 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ConsoleRun first;
+        const std::string page(c.pageBytes, '\0');
+        first.Dir().Write(kShmSwapFileName, page);
+        ASSERT_TRUE(c.pageBytes < SHM_SIZE || first.StartConsole() == "") << first.Pty().Screen();
+        int out[2], err[2];
+        ASSERT_EQ(0, pipe2(out, O_CLOEXEC));
+        ASSERT_EQ(0, pipe2(err, O_CLOEXEC));
+        const int in = open("/dev/null", O_RDONLY | O_CLOEXEC);  // read to its end at once
+        const pid_t pid = SpawnChild({ZO_CMD_DEBUG_HOST_PATH, first.Dir().Path()}, c.closed[0] ? kClosedFd : in,
+                                     c.closed[1] ? kClosedFd : out[1], c.closed[2] ? kClosedFd : err[1]);
+        close(in);
+        close(out[1]);
+        close(err[1]);
+        const int status = WaitChild(pid);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == c.status) << status;
+        const std::string expected[] = {c.out, c.err};
+        const int* ends[] = {out, err};
+        for (int i = 0; i < 2; ++i) {
+            std::string text = ReadFile("/dev/fd/" + std::to_string(ends[i][0]));
+            EXPECT_EQ(expected[i] == "FIRST" ? AlsoUsedBy(first) : expected[i], text);
+            close(ends[i][0]);
+        }
+        EXPECT_EQ(page, ReadFile(first.Page()));
+    }
 }
 
 // Ctrl-Z and Ctrl-C typed on the terminal: the terminal raises the signals, the console's own thread acts on them.

@@ -31,6 +31,9 @@ inline void ExecChild(const std::vector<std::string>& argv, bool emulated = true
     execvp(args[0], args.data());
 }
 
+// For SpawnChild: the program starts with this descriptor closed.
+constexpr int kClosedFd = -2;
+
 // Starts the program with in, out and err (when not -1) as its descriptors 0, 1 and 2; it is killed if the test
 // dies. Pass descriptors opened with O_CLOEXEC, so that the child holds no other copy (a pipe would never end).
 inline pid_t SpawnChild(const std::vector<std::string>& argv, int in = -1, int out = -1, int err = -1)
@@ -40,7 +43,9 @@ inline pid_t SpawnChild(const std::vector<std::string>& argv, int in = -1, int o
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         const int fds[] = {in, out, err};
         for (int target = 0; target < 3; ++target) {
-            if (fds[target] >= 0 && dup2(fds[target], target) < 0) {
+            if (fds[target] == kClosedFd) {
+                close(target);
+            } else if (fds[target] >= 0 && dup2(fds[target], target) < 0) {
                 _exit(126);
             }
         }

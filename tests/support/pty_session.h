@@ -8,6 +8,7 @@
 
 #include <sys/types.h>
 #include <termios.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -42,6 +43,9 @@ public:
     // The terminal's settings as the program sees them, and changing them behind its back: 0 or -1.
     int GetAttr(struct termios* settings) const { return tcgetattr(m_master, settings); }
     int SetAttr(const struct termios& settings) { return tcsetattr(m_master, TCSANOW, &settings); }
+
+    // The terminal's foreground process group: a shell's job, for one.
+    pid_t ForegroundGroup() const { return tcgetpgrp(m_master); }
 
     const std::string& Screen() const { return m_screen; }
     pid_t Pid() const { return m_pid; }
