@@ -3,6 +3,10 @@
 // ordinary bytes).
 #include "zo_stream.h"
 
+#include <signal.h>
+#include <termios.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 
@@ -19,7 +23,10 @@ char s_achTab[] = "TAB";
 // The next byte, or EOF at the end of input or on an error. A read cut short
 // by a signal is neither: the console's handlers ask for restarted reads, but
 // an emulator may still hand the interruption on (qemu-user, for a signal the
-// program ignores).
+// program ignores). A read from the background stops the process (SIGTTIN)
+// until the shell brings it to the foreground; valgrind fails the read
+// instead, again and again, so the process then stops itself as the terminal
+// would have stopped it.
 int NextByte()
 {
     for (;;) {
@@ -29,6 +36,10 @@ int NextByte()
             return byte;
         }
         std::clearerr(stdin);
+        const pid_t owner = tcgetpgrp(STDIN_FILENO);
+        if (owner > 0 && owner != getpgrp()) {
+            kill(getpid(), SIGSTOP);
+        }
     }
 }
 
