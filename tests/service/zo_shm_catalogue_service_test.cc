@@ -68,11 +68,7 @@ TEST(ZoShmCatalogueService, ServesByWordAndAnswersEveryMismatchWithItsStatus)
     EXPECT_EQ(0, service.Register("Channel", "echo", echo, &error));
     EXPECT_EQ(0, service.Register("Channel", "odd", Odd, &error));
     EXPECT_EQ(0, service.Register("Channel", "name", nothing, &error));
-    const struct {
-        const char* module;
-        const char* word;
-        std::string error;
-    } refused[] = {
+    const struct { const char* module; const char* word; std::string error; } refused[] = {
         {"Channel", "nope", "no command 'nope' in module 'Channel' of the catalogue"},
         {"Nope", "count", "no module 'Nope' in the catalogue"},
         {"Picture", "rename", "'rename' (Picture) shares instruction 0x11 with 'count' (Channel), which answers it"},
@@ -90,12 +86,8 @@ TEST(ZoShmCatalogueService, ServesByWordAndAnswersEveryMismatchWithItsStatus)
 
     const std::string args = "fbffffff 00e68ee7 fdffffff cdcccc3d 00000000 00000240 05000000 61002200 62000900 63000000";
     const std::string row = "01000000 00000000 00000440";
-    const struct {
-        std::string request;
-        int32_t status;
-        std::string reply;    // with status 0
-        std::string problem;  // the start of the outcome's problem
-    } cases[] = {
+    // reply: with status 0; problem: the start of the outcome's problem.
+    const struct { std::string request; int32_t status; std::string reply, problem; } cases[] = {
         {"12000000 " + args, 0, "00000000 " + args, ""},
         {"13000000 00000000", 0, "00000000 " + row + " " + row, ""},
         {"13000000 05000000", 7, "", ""},
