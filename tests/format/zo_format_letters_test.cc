@@ -1,6 +1,5 @@
-// The format letters' table, letter by letter: typed text encoded, words
-// parsed strictly, values written, shown in a request line and read back.
-// Expected values are given as show prints them.
+// The format letters' table, letter by letter: typed text encoded, words parsed strictly, values written, shown in a
+// request line and read back. Expected values are given as show prints them.
 #include "zo_format_letters.h"
 
 #include <gtest/gtest.h>
@@ -25,8 +24,8 @@ std::string Shown(char letter, const ZoFormatValue& value)
 
 }  // namespace
 
-// The argument text carries the dispatcher's trailing blank unless the case
-// shows the end of the stream; rest is what is left for the next letter.
+// The argument text carries the dispatcher's trailing blank unless the case shows the end of the stream; rest is what
+// is left for the next letter.
 TEST(FormatLetters, EncodeTakesTypedTextAsTheConsoleDoes)
 {
     const struct { char letter; const char* text; bool ok; const char* value; const char* rest; } cases[] = {
@@ -59,9 +58,8 @@ TEST(FormatLetters, EncodeTakesTypedTextAsTheConsoleDoes)
     }
 }
 
-// Each word parsed (or, without shown, refused), written as the letter's
-// writer lays it out, shown, and read back whole; the bytes cut short (or a
-// string whose count claims more) are no whole value.
+// Each word parsed (or, without shown, refused), written as the letter's writer lays it out, shown, and read back
+// whole; the bytes cut short (or a string whose count claims more) are no whole value.
 TEST(FormatLetters, ParsedWordsAreWrittenShownAndReadBack)
 {
     const struct { char letter; const char* word; const char *shown = nullptr, *bytes = "", *cut = ""; } cases[] = {

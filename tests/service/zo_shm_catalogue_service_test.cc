@@ -1,6 +1,5 @@
-// The catalogue level of the service library: registration by word, each
-// letter decoded and encoded, rows, and every mismatch with its status,
-// through the same dispatch a page uses; then a stale request on a real page.
+// The catalogue level of the service library: registration by word, each letter decoded and encoded, rows, and every
+// mismatch with its status, through the same dispatch a page uses; then a stale request on a real page.
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -12,8 +11,8 @@
 
 namespace {
 
-// 'rename' shares 0x11 with 'count', which answers it: Channel sorts first.
-// Broken's code is no number, which the reader reports.
+// 'rename' shares 0x11 with 'count', which answers it: Channel sorts first. Broken's code is no number, which the
+// reader reports.
 void WriteCatalogue(const TempDir& dir)
 {
     dir.Write("mods.conf", "[Channel]\ninstruction = 0x10\n[Picture]\ninstruction = 0x20\n[Broken]\ninstruction = zz\n");

@@ -1,5 +1,4 @@
-// The service library against the console's half of the exchange, in one
-// process, on a real mapped swap file.
+// The service library against the console's half of the exchange, in one process, on a real mapped swap file.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -77,8 +76,8 @@ TEST(ZoShmService, AnswersEachRequestTheConsolePosts)
         EXPECT_EQ(c.reply, HexWords(reply.data(), reply.dataSize())) << c.sent;
     }
 
-    // The console's own post; the reply of a request taken before another
-    // console replaced it is dropped, and the new one is served next.
+    // The console's own post; the reply of a request taken before another console replaced it is dropped, and the new
+    // one is served next.
     android::Parcel request;
     request.writeInt32(0x31);
     request.writeInt32(7);
