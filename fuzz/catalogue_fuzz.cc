@@ -1,17 +1,14 @@
 // The catalogue on arbitrary "mods.conf" and "cmds.conf".
 //
-// Input: the bytes before the first "\n%%\n" are "mods.conf", the bytes after
-// it "cmds.conf"; without that line there is no "cmds.conf" at all. Both are
-// real files, as the row reader opens them by path: in one directory made once
-// per process, or "mods.conf" alone in a second one (in /dev/shm when there is
-// one), kept open and rewritten in place for every input.
+// Input: the bytes before the first "\n%%\n" are "mods.conf", the bytes after it "cmds.conf"; without that line there
+// is no "cmds.conf" at all. Both are real files, as the row reader opens them by path: in one directory made once per
+// process, or "mods.conf" alone in a second one (in /dev/shm when there is one), kept open and rewritten in place for
+// every input.
 //
-// Checked besides memory safety: Init fails exactly when a file is missing or
-// has no byte; module names and module words pair up, names ascend byte-wise
-// and every name answers its lookups with its own word; commands are listed
-// only under a module's instruction code (never under -1), ascending
-// byte-wise; every name, word and value is a trimmed text that fits a row
-// buffer, without NUL.
+// Checked besides memory safety: Init fails exactly when a file is missing or has no byte; module names and module
+// words pair up, names ascend byte-wise and every name answers its lookups with its own word; commands are listed only
+// under a module's instruction code (never under -1), ascending byte-wise; every name, word and value is a trimmed text
+// that fits a row buffer, without NUL.
 #include <cstdint>
 #include <cstring>
 #include <set>

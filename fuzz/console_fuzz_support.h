@@ -1,11 +1,9 @@
-// What the console harnesses share: a quiet process and the test console
-// (tests/support/console_peer.h) standing in module "M", whose one command
-// "run" has the keys an input gives.
+// What the console harnesses share: a quiet process and the test console (tests/support/console_peer.h) standing in
+// module "M", whose one command "run" has the keys an input gives.
 //
-// Loading a catalogue is deterministic, so each set of keys is written and
-// loaded once and the catalogue kept: a later input with the same keys (most
-// inputs: mutations mostly leave them alone) gets the kept one, with no file
-// written or read and no parse.
+// Loading a catalogue is deterministic, so each set of keys is written and loaded once and the catalogue kept: a later
+// input with the same keys (most inputs: mutations mostly leave them alone) gets the kept one, with no file written or
+// read and no parse.
 #ifndef ZO_FUZZ_CONSOLE_FUZZ_SUPPORT_H
 #define ZO_FUZZ_CONSOLE_FUZZ_SUPPORT_H
 
@@ -32,8 +30,8 @@ inline std::string OneRow(std::string text)
     return text;
 }
 
-// The console, made on first use after everything printed, log records
-// included, has been sent nowhere; its directory is removed at exit.
+// The console, made on first use after everything printed, log records included, has been sent nowhere; its directory
+// is removed at exit.
 inline TestConsole& Console()
 {
     static const int quiet = (QuietProcess(), ZoLog::SetSink([](const ZoLogRecord&) {}), 0);
@@ -41,8 +39,7 @@ inline TestConsole& Console()
     return (void)quiet, console;
 }
 
-// The catalogue whose command "run" has these keys, each made one row, with
-// the console standing in its module M.
+// The catalogue whose command "run" has these keys, each made one row, with the console standing in its module M.
 inline ZoFileParse& Load(const std::string& paraFmt, const std::string& printFmt, const std::string& printTags)
 {
     static std::map<std::string, std::unique_ptr<ZoFileParse>> kept;

@@ -1,15 +1,12 @@
-// The argument encoder (ParseCmd) on arbitrary argument text against an
-// arbitrary parameter format.
+// The argument encoder (ParseCmd) on arbitrary argument text against an arbitrary parameter format.
 //
-// Input: the parameter format, a line feed, then the argument text. The format
-// goes into the catalogue as the command's "para format" (so it arrives as the
-// catalogue delivers it: trimmed, cut at a NUL, at most 254 characters); the
-// text gets the one blank the dispatcher appends.
+// Input: the parameter format, a line feed, then the argument text. The format goes into the catalogue as the command's
+// "para format" (so it arrives as the catalogue delivers it: trimmed, cut at a NUL, at most 254 characters); the text
+// gets the one blank the dispatcher appends.
 //
-// Checked besides memory safety: the request starts with the command's code;
-// a successful encoding used only format letters, holds for each letter what
-// the letter's row encodes from the same text (S nothing), and reads back,
-// letter by letter, to exactly the end of the request.
+// Checked besides memory safety: the request starts with the command's code; a successful encoding used only format
+// letters, holds for each letter what the letter's row encodes from the same text (S nothing), and reads back, letter
+// by letter, to exactly the end of the request.
 #include <binder/Parcel.h>
 
 #include <cstdint>
@@ -23,8 +20,8 @@
 
 namespace {
 
-// Reads the request back by the format, comparing each value's bytes with the
-// row's own encoding of the next argument; false when a value is missing.
+// Reads the request back by the format, comparing each value's bytes with the row's own encoding of the next argument;
+// false when a value is missing.
 bool ReadsBack(const android::Parcel& request, const std::string& format, const std::string& text)
 {
     std::istringstream args(text);

@@ -1,13 +1,11 @@
 // The line editor on arbitrary key streams, with completion lists registered.
 //
-// Input: the bytes typed, read by a fresh ZoStream through standard input
-// (a stream on the input's bytes here, over a descriptor 0 that is no
-// terminal), with Gets called until the input ends.
+// Input: the bytes typed, read by a fresh ZoStream through standard input (a stream on the input's bytes here, over a
+// descriptor 0 that is no terminal), with Gets called until the input ends.
 //
-// Checked besides memory safety: every result of Gets is what a plain model
-// of the key table predicts (the line, "TAB" after a listing, null for a
-// line too long and at the end of input), so keys, history recall and
-// completion are followed byte for byte.
+// Checked besides memory safety: every result of Gets is what a plain model of the key table predicts (the line, "TAB"
+// after a listing, null for a line too long and at the end of input), so keys, history recall and completion are
+// followed byte for byte.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -25,10 +23,9 @@
 
 namespace {
 
-// Groups as the console registers them before a prompt: module words, then
-// the selected module's commands; names share prefixes, one name is in two
-// groups, one group fills a listing line and one wraps to a second, and one
-// is empty. Every Tab scans them all, so they are no longer than that.
+// Groups as the console registers them before a prompt: module words, then the selected module's commands; names share
+// prefixes, one name is in two groups, one group fills a listing line and one wraps to a second, and one is empty.
+// Every Tab scans them all, so they are no longer than that.
 const char* kModWords[] = {"chan", "channel", "pic", "picture", "snd", "sys", "system", "vid", "video", "vi"};
 const char* kVideoCmds[] = {"view",  "vi",    "set",      "set_mode", "set mode", "get",
                             "reset", "scan", "get_info", "set_info", "get_state"};
@@ -95,8 +92,8 @@ public:
     bool AtEnd() const { return m_at == m_size; }
 
 private:
-    // strncmp(name, line, line's length) == 0, without the sanitizers' costly
-    // strncmp; uninstrumented, as coverage of the model guides nothing.
+    // strncmp(name, line, line's length) == 0, without the sanitizers' costly strncmp; uninstrumented, as coverage of
+    // the model guides nothing.
     __attribute__((no_sanitize("coverage"))) static bool Begins(const char* name, const std::string& line)
     {
         size_t i = 0;
@@ -163,9 +160,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
     g_groups = {{" all mods ", kModWords, sizeof kModWords / sizeof *kModWords},
                 {"video cmds", kVideoCmds, sizeof kVideoCmds / sizeof *kVideoCmds},
                 {"empty cmds", kNoCmds, 0}};
-    // Descriptor 0 is no terminal, so Init leaves every setting alone; the
-    // keys come from memory through one stream, made here and used by every
-    // input: no system call and no allocation per input.
+    // Descriptor 0 is no terminal, so Init leaves every setting alone; the keys come from memory through one stream,
+    // made here and used by every input: no system call and no allocation per input.
     const int null = open("/dev/null", O_RDONLY);
     FUZZ_CHECK(null >= 0 && dup2(null, STDIN_FILENO) == STDIN_FILENO);
     close(null);

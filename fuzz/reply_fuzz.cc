@@ -1,16 +1,14 @@
 // The reply printer on arbitrary replies, print formats and tags.
 //
-// Input: the print format, a line feed, the print tags (split at commas; they
-// may hold any byte), a line feed, then the reply's bytes.
+// Input: the print format, a line feed, the print tags, a line feed, then the reply's bytes. Format and tags reach the
+// printer as the catalogue delivers them (trimmed, cut at a NUL, the tags split at commas).
 //
-// Checked besides memory safety and termination: Fmt fails only for a missing
-// format or tags, or an invalid letter it had to handle, and never reads past
-// the reply. (What CopyCmdToBuf makes of each u32Size and status is pinned by
-// the exchange tests against the simulator.)
+// Checked besides memory safety and termination: Fmt fails only for a missing format or tags, or an invalid letter it
+// had to handle, and never reads past the reply. (What CopyCmdToBuf makes of each u32Size and status is pinned by the
+// exchange tests against the simulator.)
 #include <binder/Parcel.h>
 
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "console_fuzz_support.h"
@@ -21,53 +19,38 @@
 
 namespace {
 
-Array<std::string> SplitTags(const std::string& text)
-{
-    Array<std::string> tags;
-    size_t start = 0;
-    for (size_t comma; (comma = text.find(',', start)) != std::string::npos; start = comma + 1) {
-        tags.PushBack(text.substr(start, comma - start));
-    }
-    tags.PushBack(text.substr(start));
-    return tags;
-}
-
-// True when Fmt has a reason to fail: no format, no tags, or an invalid letter
-// among those it handles (only when the reply has data for a first pass).
+// True when Fmt has a reason to fail: no format, no tags, or an invalid letter among those it handles (only when the
+// reply has data for a first pass).
 bool MayFail(const std::string& format, const Array<std::string>& tags, size_t replySize)
 {
-    const size_t n = std::strlen(format.c_str());
     bool invalid = false;
-    for (size_t i = 0; replySize != 0 && i < n && i < tags.Size(); ++i) {
+    for (size_t i = 0; replySize != 0 && i < format.size() && i < tags.Size(); ++i) {
         invalid = invalid || ZoFormatLetterOf(format[i]) == nullptr;
     }
-    return n == 0 || tags.Size() == 0 || invalid;
-}
-
-void PrintDirectly(const std::string& format, const std::string& tagText, const uint8_t* reply, size_t length)
-{
-    android::Parcel parcel;
-    FUZZ_CHECK(parcel.setData(reply, length) == android::NO_ERROR);
-    const Array<std::string> tags = SplitTags(tagText);
-    Printer printer(parcel);
-    const int ret = printer.Fmt(format.c_str(), tags);
-    FUZZ_CHECK(ret == 0 || (ret == -1 && MayFail(format, tags, length)));
-    FUZZ_CHECK(parcel.dataPosition() <= length);
-    FUZZ_CHECK(printer.Flush() == 0);
+    return format.empty() || tags.Size() == 0 || invalid;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    fuzz_console::Console();  // silences the printer before any input is printed
     const std::string text(reinterpret_cast<const char*>(data), size);
     const size_t formatEnd = text.find('\n');
     const size_t tagsEnd = formatEnd == std::string::npos ? std::string::npos : text.find('\n', formatEnd + 1);
     if (tagsEnd == std::string::npos) {
         return 0;
     }
-    PrintDirectly(text.substr(0, formatEnd), text.substr(formatEnd + 1, tagsEnd - formatEnd - 1), data + tagsEnd + 1,
-                  size - tagsEnd - 1);
+    const ZoFileParse& catalogue = fuzz_console::Load(
+        "", text.substr(0, formatEnd), text.substr(formatEnd + 1, tagsEnd - formatEnd - 1));
+    const int32_t code = catalogue.GetModInstruct("M");
+    const std::string format = catalogue.GetCmdPrintFmt(code, fuzz_console::kCmdWord);
+    const Array<std::string> tags = catalogue.GetCmdPrintTags(code, fuzz_console::kCmdWord);
+    android::Parcel reply;
+    FUZZ_CHECK(reply.setData(data + tagsEnd + 1, size - tagsEnd - 1) == android::NO_ERROR);
+    Printer printer(reply);
+    const int ret = printer.Fmt(format.c_str(), tags);
+    FUZZ_CHECK(ret == 0 || (ret == -1 && MayFail(format, tags, size - tagsEnd - 1)));
+    FUZZ_CHECK(reply.dataPosition() <= size - tagsEnd - 1);
+    FUZZ_CHECK(printer.Flush() == 0);
     return 0;
 }

@@ -91,8 +91,6 @@ TEST(ZoFileParse, RowsBecomeTablesAndMessages)
          "[a]\ncommand = a\nbelong module = M\ndescription = a = b\nprint tags = number,name,\n[b]\ncommand = b\n"
          "belong module = M\nprint tags = a, b,,c\n[c]\ncommand = c\nbelong module = M\nprint tags =  \n",
          "", "M|m|16|\n a|-1|||<number><name><>|a = b\n b|-1|||<a>< b><><c>|\n c|-1|||<>|\n"},
-        {"modules in byte order", "[beta]\ncommand = b\n[Zeta]\ninstruction = 5\n[alpha]\ncommand = a\n", "[x]\n", "",
-         "Zeta||5|\nalpha|a|-1|\nbeta|b|-1|\n"},
         {"the first module and the first command of a name win; a shared code shares its commands",
          "[Channel]\ncommand = chan\ninstruction = 0x10\n[Channel]\ncommand = other\ninstruction = 0x30\n"
          "[Alias]\ninstruction = 0x10\n[Picture]\ninstruction = 0x20\n",

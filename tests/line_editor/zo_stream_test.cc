@@ -11,8 +11,6 @@
 
 namespace {
 
-using namespace std::string_literals;
-
 const std::string kBs = "\b \b";  // the editor erasing one byte
 const std::string kRule(34, '=');
 
@@ -39,10 +37,10 @@ TEST(ZoStream, KeysHistoryAndCompletionOnTheScreenAndInTheLine)
     const struct { std::vector<std::string> groups; std::string keys, screen; } cases[] = {
         // An empty Enter returns an empty line and remembers nothing: Up recalls the line before it.
         {{}, "one\n\nA\n", "one" + Entered("one") + Entered("") + "one" + Entered("one")},
-        // DEL and Ctrl-D are plain bytes in raw mode; a typed carriage return still ends the line.
-        {{}, "x\x7f\x04y\r", "x\x7f\x04y" + Entered("x\x7f\x04y")},
-        // ESC, '[', the Left and Right arrows and a typed 'C' or 'D' are never stored.
-        {{}, "\x1bx[\x1b[C\x1b[Dy\x1b" "CD[\n", "xy" + Entered("xy")},
+        // DEL and Ctrl-D are plain bytes in raw mode; a typed carriage return still ends the line; the Left and Right
+        // arrows and a typed 'C' or 'D' are neither stored nor shown. (What each key does to the line is checked
+        // on every input of fuzz/line_editor_fuzz.cc; here, what the screen shows.)
+        {{}, "x\x7f\x1b[C\x1b[DCD\x04y\r", "x\x7f\x04y" + Entered("x\x7f\x04y")},
         // Backspace erases one byte a press (half of a UTF-8 character), nothing on an empty line.
         {{}, "\b\babc\b\b\n\xc3\xa9\b\n", "abc" + kBs + kBs + Entered("a") + "\xc3\xa9" + kBs + Entered("\xc3")},
         // Up stops at the oldest line and erases the typed one first; Down past the newest leaves it on the line;
@@ -50,7 +48,6 @@ TEST(ZoStream, KeysHistoryAndCompletionOnTheScreenAndInTheLine)
         {{}, up + "x\none\nzz" + up + up + up + down + down + "\nA\bo\nAA\n",
          "x" + Entered("x") + "one" + Entered("one") + "zz" + kBs + kBs + "one" + kBs + kBs + kBs + "x" + kBs + "one" +
              Entered("one") + "one" + kBs + "o" + Entered("ono") + "ono" + kBs + kBs + kBs + "one" + Entered("one")},
-        {{}, std::string(1023, 'x') + "\n", std::string(1023, 'x') + Entered(std::string(1023, 'x'))},
         {{}, std::string(1024, 'y') + "\n",
          std::string(1024, 'y') + "\n\rError:m_strInbuffer too large\n<null>\nreset 0\n"},
         // One match in all groups is completed in place; after a blank the whole line matches nothing.
@@ -60,11 +57,8 @@ TEST(ZoStream, KeysHistoryAndCompletionOnTheScreenAndInTheLine)
         {vaGroups, "v\tiew\nse\t\n",
          "v" + mods + "video\tvi" + video + "view\nTV $view" + Entered("view") + "se" + mods + "set" + video +
              "set\nTV $se" + Entered("se")},
-        {{"empty=", "g=x"}, "ab\tc\n", "abc" + Entered("abc")},
         {{" all mods =m0,m1,m2,m3,m4,m5,m6,m7,m8,m9,m10"}, "\t\n",
          mods + "m0\tm1\tm2\tm3\tm4\tm5\tm6\tm7\tm8\tm9\nm10\nTV $" + Entered("")},
-        // A NUL byte ends the comparison: "a" is the one match and replaces the line.
-        {{"g=a,ab"}, "a\0x\t\n"s, "a\0x"s + Entered("a")},
     };
     for (const auto& c : cases) {
         PtySession pty;

@@ -42,7 +42,6 @@ TEST(Printer, PrintsOneRowPerPassBetweenSeparators)
         {Ints({1, 2, 3}), "dd", "n", 0, kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep},
         {Ints({1, 2, 3}), "d", "nu", 0, kSep + "n:1\t\nn:2\t\nn:3\t\n" + kSep},
         {Ints({1}), "dx", "ab", -1, "invalid fmt info!\n"},
-        {Ints({1}), "d d", "abc", -1, "invalid fmt info!\n"},
         // 'S' prints its message once per pass; a pass that reads nothing ends the reply.
         {Ints({1, 2}), "dS", "ab", 0, kNoS + kNoS + kSep + "a:1\t\na:2\t\n" + kSep},
         {Ints({1}), "Sd", "a", 0, kNoS + kSep + kSep},

@@ -1,6 +1,5 @@
-// The catalogue level of the service library: registration by word, each
-// letter decoded and encoded, rows, and every mismatch with its status,
-// through the same dispatch a page uses; then a stale request on a real page.
+// The catalogue level of the service library: registration by word, each letter decoded and encoded, rows, and every
+// mismatch with its status, through the same dispatch a page uses; then a stale request on a real page.
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -12,8 +11,8 @@
 
 namespace {
 
-// 'rename' shares 0x11 with 'count', which answers it: Channel sorts first.
-// Broken's code is no number, which the reader reports.
+// 'rename' shares 0x11 with 'count', which answers it: Channel sorts first. Broken's code is no number, which the
+// reader reports.
 void WriteCatalogue(const TempDir& dir)
 {
     dir.Write("mods.conf", "[Channel]\ninstruction = 0x10\n[Picture]\ninstruction = 0x20\n[Broken]\ninstruction = zz\n");
@@ -68,11 +67,7 @@ TEST(ZoShmCatalogueService, ServesByWordAndAnswersEveryMismatchWithItsStatus)
     EXPECT_EQ(0, service.Register("Channel", "echo", echo, &error));
     EXPECT_EQ(0, service.Register("Channel", "odd", Odd, &error));
     EXPECT_EQ(0, service.Register("Channel", "name", nothing, &error));
-    const struct {
-        const char* module;
-        const char* word;
-        std::string error;
-    } refused[] = {
+    const struct { const char* module; const char* word; std::string error; } refused[] = {
         {"Channel", "nope", "no command 'nope' in module 'Channel' of the catalogue"},
         {"Nope", "count", "no module 'Nope' in the catalogue"},
         {"Picture", "rename", "'rename' (Picture) shares instruction 0x11 with 'count' (Channel), which answers it"},
@@ -90,12 +85,8 @@ TEST(ZoShmCatalogueService, ServesByWordAndAnswersEveryMismatchWithItsStatus)
 
     const std::string args = "fbffffff 00e68ee7 fdffffff cdcccc3d 00000000 00000240 05000000 61002200 62000900 63000000";
     const std::string row = "01000000 00000000 00000440";
-    const struct {
-        std::string request;
-        int32_t status;
-        std::string reply;    // with status 0
-        std::string problem;  // the start of the outcome's problem
-    } cases[] = {
+    // reply: with status 0; problem: the start of the outcome's problem.
+    const struct { std::string request; int32_t status; std::string reply, problem; } cases[] = {
         {"12000000 " + args, 0, "00000000 " + args, ""},
         {"13000000 00000000", 0, "00000000 " + row + " " + row, ""},
         {"13000000 05000000", 7, "", ""},

@@ -1,5 +1,4 @@
-// The service library against the console's half of the exchange, in one
-// process, on a real mapped swap file.
+// The service library against the console's half of the exchange, in one process, on a real mapped swap file.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,29 +16,11 @@
 
 namespace {
 
-// A volume of 0 to 100, set by code 0x31; code 0x32 answers more than fits,
-// 0x33 throws.
+// A volume of 0 to 100, set by code 0x31; any other fails with 5.
 int32_t SetVolume(const android::Parcel& args, android::Parcel& values)
 {
     const int32_t volume = args.readInt32();
-    if (volume < 0 || volume > 100) {
-        return 5;
-    }
-    values.writeInt32(volume);
-    return 0;
-}
-
-int32_t AnswerTooMuch(const android::Parcel&, android::Parcel& values)
-{
-    for (size_t i = 0; i < SHM_DATA_SIZE / 4; ++i) {  // with the status, 4 bytes too many
-        values.writeInt32(1);
-    }
-    return 0;
-}
-
-int32_t Throw(const android::Parcel&, android::Parcel&)
-{
-    throw std::logic_error("no volume");
+    return volume < 0 || volume > 100 ? 5 : (values.writeInt32(volume), 0);
 }
 
 // Posts the request bytes with u32Size size, as the console does but with any size.
@@ -59,31 +40,31 @@ TEST(ZoShmService, AnswersEachRequestTheConsolePosts)
     std::string error;
     ASSERT_EQ(0, service.Open(ShmSwapFilePath(dir.Path()), &error)) << error;
     service.Register(0x31, SetVolume);
-    service.Register(0x32, AnswerTooMuch);
-    service.Register(0x33, Throw);
+    service.Register(0x32, [](const android::Parcel&, android::Parcel& values) {
+        for (size_t i = 0; i < SHM_DATA_SIZE / 4; ++i) {  // with the status, 4 bytes too many
+            values.writeInt32(1);
+        }
+        return 0;
+    });
+    service.Register(0x33, [](const android::Parcel&, android::Parcel&) -> int32_t { throw std::logic_error("no"); });
     void* page = const_cast<void*>(service.Page());
     EXPECT_FALSE(service.Pending());
     EXPECT_EQ(ZoShmService::Served::kNothing, service.ServeOne().served);
 
-    const struct {
-        std::string request;
-        uint32_t size;  // u32Size; 0 for the request's length
-        std::string reply;
-        int32_t code;
-        std::string problem;
-    } cases[] = {
+    // size: u32Size, 0 for the request's length.
+    const struct { const char* sent; uint32_t size; const char* reply; int32_t code; const char* problem; } cases[] = {
         {"31000000 1e000000", 0, "00000000 1e000000", 0x31, ""},
         {"31000000 2c010000", 0, "05000000", 0x31, ""},  // a failure carries the status alone
         {"99000000", 0, "ffffffff", 0x99, "no handler for instruction 0x99"},
         {"3100", 0, "feffffff", -1, "a request of 2 bytes, too short for an instruction code"},
         {"31000000 1e000000", 4089, "feffffff", -1, "a request of 4089 bytes, more than the page's 4088"},
         {"32000000", 0, "fdffffff", 0x32, "the reply to instruction 0x32 takes 4092 bytes, more than the page's 4088"},
-        {"33000000", 0, "fbffffff", 0x33, "the handler of instruction 0x33 threw: no volume"},
+        {"33000000", 0, "fbffffff", 0x33, "the handler of instruction 0x33 threw: no"},
     };
     for (const auto& c : cases) {
-        const std::vector<uint8_t> bytes = FromHex(c.request);
+        const std::vector<uint8_t> bytes = FromHex(c.sent);
         PostRaw(page, bytes, c.size != 0 ? c.size : uint32_t(bytes.size()));
-        EXPECT_TRUE(service.Pending()) << c.request;
+        EXPECT_TRUE(service.Pending()) << c.sent;
         const ZoShmService::Outcome outcome = service.ServeOne();
         EXPECT_EQ(ZoShmService::Served::kAnswered, outcome.served);
         EXPECT_EQ(c.code, outcome.code);
@@ -92,11 +73,11 @@ TEST(ZoShmService, AnswersEachRequestTheConsolePosts)
         EXPECT_FALSE(service.Pending());
         android::Parcel reply;
         ASSERT_EQ(0, ShmAwaitReply(page, reply));
-        EXPECT_EQ(c.reply, HexWords(reply.data(), reply.dataSize())) << c.request;
+        EXPECT_EQ(c.reply, HexWords(reply.data(), reply.dataSize())) << c.sent;
     }
 
-    // The console's own post; the reply of a request taken before another
-    // console replaced it is dropped, and the new one is served next.
+    // The console's own post; the reply of a request taken before another console replaced it is dropped, and the new
+    // one is served next.
     android::Parcel request;
     request.writeInt32(0x31);
     request.writeInt32(7);
