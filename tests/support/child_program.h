@@ -3,17 +3,41 @@
 #ifndef ZO_TESTS_SUPPORT_CHILD_PROGRAM_H
 #define ZO_TESTS_SUPPORT_CHILD_PROGRAM_H
 
-#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
+
+using Clock = std::chrono::steady_clock;
+
+// Polls cond every millisecond; false when the deadline passes first.
+template <typename Cond>
+bool WaitFor(Cond cond, std::chrono::milliseconds timeout = std::chrono::milliseconds(3000))
+{
+    const auto deadline = Clock::now() + timeout;
+    while (!cond()) {
+        if (Clock::now() >= deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+// Milliseconds until the deadline, 0 once it has passed.
+inline int MsLeft(Clock::time_point deadline)
+{
+    return int(std::max<long long>(0, std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count()));
+}
 
 // For a forked child: replaces the process with the program, behind the emulator's words if any (unless it is one of
 // the machine's own programs, a shell say: not emulated). Returns only if exec failed.
@@ -59,13 +83,10 @@ inline pid_t SpawnChild(const std::vector<std::string>& argv, int in = -1, int o
 inline int WaitChild(pid_t pid, int timeoutMs = 10000)
 {
     int status = -1;
-    for (int waited = 0; pid > 0 && waitpid(pid, &status, WNOHANG) == 0; waited += 2) {
-        if (waited > timeoutMs) {
-            kill(pid, SIGKILL);
-            waitpid(pid, nullptr, 0);
-            return -1;
-        }
-        poll(nullptr, 0, 2);
+    if (pid > 0 && !WaitFor([&] { return waitpid(pid, &status, WNOHANG) != 0; }, std::chrono::milliseconds(timeoutMs))) {
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+        return -1;
     }
     return status;
 }

@@ -7,38 +7,20 @@
 #ifndef ZO_TESTS_SUPPORT_SIM_PROCESS_H
 #define ZO_TESTS_SUPPORT_SIM_PROCESS_H
 
-#include <algorithm>
-#include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 
 #include "child_program.h"
 #include "temp_dir.h"
 #include "zo_shm_page.h"
 
 using Bytes = std::vector<uint8_t>;
-using Clock = std::chrono::steady_clock;
-
-// Polls cond every millisecond; false when the deadline passes first.
-template <typename Cond>
-bool WaitFor(Cond cond, std::chrono::milliseconds timeout = std::chrono::milliseconds(3000))
-{
-    const auto deadline = Clock::now() + timeout;
-    while (!cond()) {
-        if (Clock::now() >= deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
 
 class SimProcess {
 public:
@@ -46,26 +28,20 @@ public:
 
     ~SimProcess() { Stop(); }
 
-    // Starts the simulator on dir with these options; true once its page is mapped.
+    // Starts the simulator on dir with these options; true once it says it answers (a request posted before it
+    // opened the page would be stale) and the page is mapped.
     bool Start(const std::vector<std::string>& options = {})
     {
         std::vector<std::string> args = options;
         args.insert(args.begin(), dir.Path());
         Spawn(args);
         m_options = options;
-        struct stat st {};
-        const std::string path = ShmSwapFilePath(dir.Path());
-        // Once it says so: a request posted before it opened the page would be stale.
-        const auto ready = [&] {
-            return Errors().find("zo_service_sim: answering ") != std::string::npos && stat(path.c_str(), &st) == 0 &&
-                   st.st_size >= off_t(SHM_SIZE);
-        };
-        const int fd = WaitFor(ready, Ms(10000))
-                           ? open(path.c_str(), O_RDWR | O_CLOEXEC)
-                           : -1;
-        void* page = fd < 0 ? MAP_FAILED : mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
-        close(fd);
-        m_page = page == MAP_FAILED ? nullptr : page;
+        if (WaitFor([&] { return Errors().find("zo_service_sim: answering ") != std::string::npos; }, Ms(10000))) {
+            const int fd = open(ShmSwapFilePath(dir.Path()).c_str(), O_RDWR | O_CLOEXEC);
+            void* page = mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+            close(fd);
+            m_page = page == MAP_FAILED ? nullptr : page;
+        }
         return m_page != nullptr;
     }
     // Starts it unless it runs with these options already.
@@ -93,11 +69,10 @@ public:
         const auto deadline = Clock::now() + timeout;
         size_t eol;
         while ((eol = m_out.find('\n')) == std::string::npos) {
-            const auto left = std::chrono::duration_cast<Ms>(deadline - Clock::now()).count();
             struct pollfd p = {m_pipe, POLLIN, 0};
             char chunk[512];
             ssize_t n = 0;
-            if (left <= 0 || poll(&p, 1, int(left)) <= 0 || (n = read(m_pipe, chunk, sizeof chunk)) <= 0) {
+            if (poll(&p, 1, MsLeft(deadline)) <= 0 || (n = read(m_pipe, chunk, sizeof chunk)) <= 0) {
                 return "<timeout>";
             }
             m_out.append(chunk, size_t(n));
@@ -146,10 +121,7 @@ private:
     }
     void Stop()
     {
-        if (m_pid > 0) {
-            kill(m_pid, SIGKILL);
-            waitpid(m_pid, nullptr, 0);
-        }
+        WaitChild(m_pid, 0);  // kills and reaps it
         if (m_page != nullptr) {
             munmap(m_page, SHM_SIZE);
         }
