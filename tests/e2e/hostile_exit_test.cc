@@ -31,23 +31,13 @@ constexpr bool kSanitized = true;
 constexpr bool kSanitized = false;
 #endif
 
-TEST(ConsoleEnds, MissingOrExtraArgumentPrintsUsageAndExits2)
-{
-    for (const std::vector<std::string>& args : {std::vector<std::string>{}, std::vector<std::string>{"a", "b"}}) {
-        ConsoleRun run;
-        ASSERT_TRUE(run.StartProgram(args));
-        EXPECT_EQ("exit 2", run.Exit());
-        EXPECT_EQ(0u, run.Pty().Screen().find("zo_cmd_debug_host: ")) << run.Pty().Screen();
-        EXPECT_NE(std::string::npos, run.Pty().Screen().find("\r\nusage: zo_cmd_debug_host DIR (")) << run.Pty().Screen();
-    }
-}
-
-TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
+TEST(ConsoleEnds, UsageErrorsAndStartupRefusalsExitAndRestoreTheTerminal)
 {
     const struct rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);  // for the abort
     const std::string tooShort = " bytes long, it needs at least 4096 bytes: start the service first\r\n";
     const std::string notRegular = ", not a regular file\r\n";
+    const std::string usage = "\r\nusage: zo_cmd_debug_host DIR (zo_cmd_debug_host --help tells more)\r\n";
     struct Case {
         const char* what;
         void (*setup)(const std::string& page);
@@ -56,8 +46,12 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         int resource = -1;  // a limit the console starts with
         rlim_t limit = 0;
         std::string end = "exit 1";
+        std::vector<std::string> args = {"DIR"};  // DIR stands for the directory
     };
     const Case cases[] = {
+        {"no directory", nullptr, "zo_cmd_debug_host: missing DIR" + usage, false, -1, 0, "exit 2", {}},
+        {"two", nullptr, "zo_cmd_debug_host: one directory expected, got 2 arguments" + usage, false, -1, 0, "exit 2",
+         {"DIR", "b"}},
         {"missing: created, refused, removed", [](const std::string&) {}, "swap file PAGE is 0" + tooShort, false},
         {"one byte short", [](const std::string& p) { std::ofstream(p) << std::string(4095, 'x'); },
          "swap file PAGE is 4095" + tooShort, true},
@@ -108,7 +102,9 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         getrlimit(resource, &found);
         const struct rlimit limited = {c.resource >= 0 ? c.limit : found.rlim_cur, found.rlim_max};
         setrlimit(resource, &limited);
-        const bool started = run.StartProgram({run.Dir().Path()});
+        std::vector<std::string> args = c.args;
+        std::replace(args.begin(), args.end(), std::string("DIR"), run.Dir().Path());
+        const bool started = run.StartProgram(args);
         setrlimit(resource, &found);
         ASSERT_TRUE(started);
 
@@ -253,47 +249,43 @@ TEST(ConsoleEnds, CtrlZStopsAndFgResumesCtrlCKillsWithSignal9AlsoDuringAWait)
     EXPECT_EQ("signal 9, terminal raw", run.Exit());
 }
 
-// The file is cut to 0 bytes between two commands.
-TEST(ConsoleEnds, TruncatedSwapFileEndsWith1InsteadOfSigbus)
+// The page lost under the mapping between two commands: the file cut to 0 bytes, or a sparse page of full size on a
+// full file system (a small one, mounted in a namespace of the console's own, filled up before the console starts;
+// the simulator, on the service library, cannot reserve the page and says so).
+TEST(ConsoleEnds, PageLostUnderTheMappingEndsWith1InsteadOfSigbus)
 {
     if (std::getenv("ZO_TEST_EMULATOR") != nullptr) {
         GTEST_SKIP() << "qemu-arm dies of the bus error itself instead of passing it to the program";
     }
-    ConsoleRun run;
-    run.WritePage();
-    ASSERT_TRUE(run.StartProgram({run.Dir().Path()}));
-    ASSERT_TRUE(run.Pty().Write("fmt\n"));
-    ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
-    ASSERT_EQ(0, truncate(run.Page().c_str(), 0));
-    ASSERT_TRUE(run.Pty().Write("int 5\n"));
-    EXPECT_EQ("exit 1", run.Exit());
-    const std::string message =
-        "swap file " + run.Page() + " was truncated while mapped: the shared page is lost\r\n";
-    EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
-}
-
-// A sparse page of full size on a full file system: a small one, mounted in a
-// namespace of the console's own, filled up before the console starts. The
-// simulator, on the service library, cannot reserve the page and says so.
-TEST(ConsoleEnds, PageWithoutRoomOnItsFileSystemEndsWith1InsteadOfSigbus)
-{
-    if (std::getenv("ZO_TEST_EMULATOR") != nullptr || system("unshare -rm true >/dev/null 2>&1") != 0) {
-        GTEST_SKIP() << "needs the console run natively in a mount namespace of its own";
-    }
-    ConsoleRun run;
-    const std::string fs = run.Dir().File("fs");
-    const std::string script = "mkdir " + fs + " && mount -t tmpfs -o size=16k zo " + fs + " && cp " +
-                               run.Dir().Path() + "/*.conf " + fs + " && truncate -s 4096 " + ShmSwapFilePath(fs) + " && " +
-                               "{ cat /dev/zero >" + fs + "/fill 2>/dev/null; " + ZO_SERVICE_SIM_PATH + " " + fs + "; exec " +
-                               ZO_CMD_DEBUG_HOST_PATH + " " + fs + "; }";
-    ASSERT_TRUE(run.Pty().Start("unshare", {"-rm", "sh", "-c", script}));
-    ASSERT_TRUE(run.Pty().Write("fmt\n"));
-    ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
-    ASSERT_TRUE(run.Pty().Write("int 5\n"));
-    EXPECT_EQ(0u, run.Exit().find("exit 1"));
-    for (const std::string& message : {"can't reserve 4096 bytes for " + ShmSwapFilePath(fs) + ": No space left on device\r\n",
-                                       "swap file " + ShmSwapFilePath(fs) + " could not back the shared page (is its file system"}) {
-        EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
+    for (const bool full : {false, true}) {
+        SCOPED_TRACE(full ? "file system full" : "truncated");
+        if (full && system("unshare -rm true >/dev/null 2>&1") != 0) {
+            GTEST_SKIP() << "needs the console run in a mount namespace of its own";
+        }
+        ConsoleRun run;
+        const std::string fs = full ? run.Dir().File("fs") : run.Dir().Path(), page = ShmSwapFilePath(fs);
+        std::vector<std::string> messages{"swap file " + page + " was truncated while mapped: the shared page is lost\r\n"};
+        if (full) {
+            messages = {"can't reserve 4096 bytes for " + page + ": No space left on device\r\n",
+                        "swap file " + page + " could not back the shared page (is its file system"};
+            ASSERT_TRUE(run.Pty().Start("unshare", {"-rm", "sh", "-c", "mkdir " + fs + " && mount -t tmpfs -o size=16k zo " +
+                                                    fs + " && cp " + run.Dir().Path() + "/*.conf " + fs + " && truncate -s 4096 " +
+                                                    page + " && { cat /dev/zero >" + fs + "/fill 2>/dev/null; " +
+                                                    ZO_SERVICE_SIM_PATH + " " + fs + "; exec " + ZO_CMD_DEBUG_HOST_PATH +
+                                                    " " + fs + "; }"}));
+        } else {
+            run.WritePage();
+            ASSERT_TRUE(run.StartProgram({fs}));
+        }
+        ASSERT_TRUE(run.Pty().Write("fmt\n"));
+        ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
+        ASSERT_TRUE(full || truncate(page.c_str(), 0) == 0);
+        ASSERT_TRUE(run.Pty().Write("int 5\n"));
+        // Under unshare the terminal's settings at the start are unknown.
+        EXPECT_EQ("exit 1", run.Exit().substr(0, full ? 6 : std::string::npos));
+        for (const std::string& message : messages) {
+            EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
+        }
     }
 }
 
