@@ -17,10 +17,9 @@
 #include <sys/mman.h>
 
 #include "child_program.h"
+#include "hex_words.h"
 #include "temp_dir.h"
 #include "zo_shm_page.h"
-
-using Bytes = std::vector<uint8_t>;
 
 class SimProcess {
 public:
@@ -83,24 +82,22 @@ public:
     }
     std::string Errors() const { return ReadFile(dir.File("sim.err")); }
 
-    // The console's side of the page: posts a request as the console does,
-    // with size in u32Size, and takes the reply once bit 1 is set.
+    // The console's side of the page: posts a request (hex words) as the console does, with size in u32Size (its
+    // length by default), and returns the line the simulator prints for it.
     void* Page() const { return m_page; }
-    void Post(const Bytes& request, uint32_t size)
+    std::string Ask(const std::string& hex, uint32_t size = 0)
     {
+        const std::vector<uint8_t> request = FromHex(hex);
         std::memcpy(ShmPayloadOf(m_page), request.data(), request.size());
-        ShmStoreSize(m_page, size);
+        ShmStoreSize(m_page, size != 0 ? size : uint32_t(request.size()));
         ShmStoreFlag(m_page, SHM_FLAG_REQUEST);
+        return ReadLine();
     }
-    bool WaitReply(Ms timeout = Ms(3000)) const
+    // The reply as hex words once bit 1 is set, by u32Size cut to the page; empty when none comes in time.
+    std::string Reply(Ms timeout = Ms(3000)) const
     {
-        return WaitFor([this] { return (ShmLoadFlag(m_page) & SHM_FLAG_REPLY) != 0; }, timeout);
-    }
-    // The reply by u32Size, cut to the page when it claims more; empty when none comes.
-    Bytes Reply() const
-    {
-        const uint8_t* payload = ShmPayloadOf(m_page);
-        return WaitReply() ? Bytes(payload, payload + std::min<uint32_t>(ShmLoadSize(m_page), SHM_DATA_SIZE)) : Bytes();
+        const bool replied = WaitFor([this] { return (ShmLoadFlag(m_page) & SHM_FLAG_REPLY) != 0; }, timeout);
+        return replied ? HexWords(ShmPayloadOf(m_page), std::min<uint32_t>(ShmLoadSize(m_page), SHM_DATA_SIZE)) : "";
     }
 
     TempDir dir;
