@@ -44,11 +44,10 @@ TEST(DemoTv, AnswersTheExampleCatalogueKeepsItsStateAndEndsOnSigterm)
     }
     // Every channel, a row each.
     const std::string list = run.Type("list\n");
-    size_t rows = 0;
-    for (size_t at = list.find("\nnumber:"); at != std::string::npos; at = list.find("\nnumber:", at + 1)) {
-        ++rows;
+    int rows = 0;
+    for (size_t at = 0; (at = list.find("\nnumber:", at + 1)) != std::string::npos; ++rows) {
     }
-    EXPECT_EQ(12u, rows) << list;
+    EXPECT_EQ(12, rows) << list;
     EXPECT_NE(std::string::npos, list.find("\n" + channel3 + "\n")) << list;
     // Each line is written out before the answer is posted.
     EXPECT_EQ(expectedLog + "list -> 12 channels\n", ReadFile(run.Dir().File("tv.log")));

@@ -203,24 +203,14 @@ TEST(ConsoleEnds, ClosedStandardDescriptorsNeverLeadIntoTheSwapFile)
         const std::string page(c.pageBytes, '\0');
         first.Dir().Write(kShmSwapFileName, page);
         ASSERT_TRUE(c.pageBytes < SHM_SIZE || first.StartConsole() == "") << first.Pty().Screen();
-        int out[2], err[2];
-        ASSERT_EQ(0, pipe2(out, O_CLOEXEC));
-        ASSERT_EQ(0, pipe2(err, O_CLOEXEC));
-        const int in = open("/dev/null", O_RDONLY | O_CLOEXEC);  // read to its end at once
-        const pid_t pid = SpawnChild({ZO_CMD_DEBUG_HOST_PATH, first.Dir().Path()}, c.closed[0] ? kClosedFd : in,
-                                     c.closed[1] ? kClosedFd : out[1], c.closed[2] ? kClosedFd : err[1]);
-        close(in);
-        close(out[1]);
-        close(err[1]);
-        const int status = WaitChild(pid);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == c.status) << status;
-        const std::string expected[] = {c.out, c.err};
-        const int* ends[] = {out, err};
-        for (int i = 0; i < 2; ++i) {
-            std::string text = ReadFile("/dev/fd/" + std::to_string(ends[i][0]));
-            EXPECT_EQ(expected[i] == "FIRST" ? AlsoUsedBy(first) : expected[i], text);
-            close(ends[i][0]);
+        std::vector<std::string> files = {"/dev/null", first.Dir().File("out"), first.Dir().File("err")};
+        for (int i = 0; i < 3; ++i) {
+            files[i] = c.closed[i] ? "" : files[i];
         }
+        const int status = RunChild({ZO_CMD_DEBUG_HOST_PATH, first.Dir().Path()}, files);  // input at its end at once
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == c.status) << status;
+        EXPECT_EQ(c.out, ReadFile(first.Dir().File("out")));
+        EXPECT_EQ(c.err == "FIRST" ? AlsoUsedBy(first) : c.err, ReadFile(first.Dir().File("err")));
         EXPECT_EQ(page, ReadFile(first.Page()));
     }
 }

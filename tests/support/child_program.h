@@ -3,6 +3,7 @@
 #ifndef ZO_TESTS_SUPPORT_CHILD_PROGRAM_H
 #define ZO_TESTS_SUPPORT_CHILD_PROGRAM_H
 
+#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -87,6 +88,22 @@ inline int WaitChild(pid_t pid, int timeoutMs = 10000)
         kill(pid, SIGKILL);
         waitpid(pid, nullptr, 0);
         return -1;
+    }
+    return status;
+}
+
+// Runs the program to its end with descriptors 0, 1 and 2 on these files (the first read, the others written
+// afresh; an empty name leaves the descriptor closed); its wait status.
+inline int RunChild(const std::vector<std::string>& argv, const std::vector<std::string>& files)
+{
+    int fds[3];
+    for (int i = 0; i < 3; ++i) {
+        fds[i] = files[i].empty() ? kClosedFd
+                                  : open(files[i].c_str(), i == 0 ? O_RDONLY | O_CLOEXEC : O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    }
+    const int status = WaitChild(SpawnChild(argv, fds[0], fds[1], fds[2]));
+    for (const int fd : fds) {
+        close(fd);
     }
     return status;
 }

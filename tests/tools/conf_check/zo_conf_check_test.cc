@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <sstream>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <gtest/gtest.h>
 
@@ -16,11 +15,7 @@ namespace
 int Check(const TempDir& dir, std::vector<std::string> args)
 {
     args.insert(args.begin(), ZO_CONF_CHECK_PATH);
-    const int out = open(dir.File("out").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    const int err = open(dir.File("err").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    const int status = WaitChild(SpawnChild(args, -1, out, err));
-    close(out);
-    close(err);
+    const int status = RunChild(args, {"/dev/null", dir.File("out"), dir.File("err")});
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
