@@ -12,7 +12,7 @@ TEST(DemoTv, AnswersTheExampleCatalogueKeepsItsStateAndEndsOnSigterm)
     for (const char* name : {"mods.conf", "cmds.conf"}) {
         run.Dir().Write(name, ReadFile(std::string(ZO_EXAMPLES_DIR "/") + name));
     }
-    const int log = open(run.Dir().File("tv.log").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    const int log = OpenForChild(run.Dir().File("tv.log"));
     const pid_t tv = SpawnChild({ZO_DEMO_TV_PATH, run.Dir().Path()}, -1, log);
     close(log);
     struct stat page {};

@@ -92,14 +92,19 @@ inline int WaitChild(pid_t pid, int timeoutMs = 10000)
     return status;
 }
 
+// A file for a child's output, emptied first.
+inline int OpenForChild(const std::string& path)
+{
+    return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+}
+
 // Runs the program to its end with descriptors 0, 1 and 2 on these files (the first read, the others written
 // afresh; an empty name leaves the descriptor closed); its wait status.
 inline int RunChild(const std::vector<std::string>& argv, const std::vector<std::string>& files)
 {
     int fds[3];
     for (int i = 0; i < 3; ++i) {
-        fds[i] = files[i].empty() ? kClosedFd
-                                  : open(files[i].c_str(), i == 0 ? O_RDONLY | O_CLOEXEC : O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        fds[i] = files[i].empty() ? kClosedFd : i == 0 ? open(files[i].c_str(), O_RDONLY | O_CLOEXEC) : OpenForChild(files[i]);
     }
     const int status = WaitChild(SpawnChild(argv, fds[0], fds[1], fds[2]));
     for (const int fd : fds) {

@@ -1,9 +1,7 @@
-// The real zo_service_sim as a second process on the directory `dir`, which
-// holds the catalogue a test writes. Start waits until the simulator has made
-// the page and maps it as the console does; ReadLine takes its standard
-// output line by line; its standard error goes to dir/sim.err. The process is
-// killed when the object goes, or when the next one starts. Every wait has a
-// deadline.
+// The real zo_service_sim as a second process on the directory `dir`, which holds the catalogue a test writes. Start
+// waits until the simulator has made the page and maps it as the console does; ReadLine takes its standard output
+// (dir/sim.out) line by line, its standard error goes to dir/sim.err. It is killed when the object goes or the next
+// one starts. Every wait has a deadline.
 #ifndef ZO_TESTS_SUPPORT_SIM_PROCESS_H
 #define ZO_TESTS_SUPPORT_SIM_PROCESS_H
 
@@ -13,7 +11,6 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/mman.h>
 
 #include "child_program.h"
@@ -65,19 +62,14 @@ public:
     // The next line of standard output without its line end; "<timeout>" when none comes in time.
     std::string ReadLine(Ms timeout = Ms(3000))
     {
-        const auto deadline = Clock::now() + timeout;
-        size_t eol;
-        while ((eol = m_out.find('\n')) == std::string::npos) {
-            struct pollfd p = {m_pipe, POLLIN, 0};
-            char chunk[512];
-            ssize_t n = 0;
-            if (poll(&p, 1, MsLeft(deadline)) <= 0 || (n = read(m_pipe, chunk, sizeof chunk)) <= 0) {
-                return "<timeout>";
-            }
-            m_out.append(chunk, size_t(n));
+        std::string out;
+        size_t eol = std::string::npos;
+        const auto lineEnds = [&] { return (eol = (out = ReadFile(dir.File("sim.out"))).find('\n', m_read)) != out.npos; };
+        if (!WaitFor(lineEnds, timeout)) {
+            return "<timeout>";
         }
-        const std::string line = m_out.substr(0, eol);
-        m_out.erase(0, eol + 1);
+        const std::string line = out.substr(m_read, eol - m_read);
+        m_read = eol + 1;
         return line;
     }
     std::string Errors() const { return ReadFile(dir.File("sim.err")); }
@@ -107,14 +99,10 @@ private:
     {
         Stop();
         args.insert(args.begin(), ZO_SERVICE_SIM_PATH);
-        int out[2];
-        if (pipe2(out, O_CLOEXEC) == 0) {
-            const int err = open(dir.File("sim.err").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-            m_pid = SpawnChild(args, -1, out[1], err);
-            close(err);
-            close(out[1]);
-            m_pipe = out[0];
-        }
+        const int out = OpenForChild(dir.File("sim.out")), err = OpenForChild(dir.File("sim.err"));
+        m_pid = SpawnChild(args, -1, out, err);
+        close(out);
+        close(err);
     }
     void Stop()
     {
@@ -122,17 +110,14 @@ private:
         if (m_page != nullptr) {
             munmap(m_page, SHM_SIZE);
         }
-        close(m_pipe);
-        m_pid = m_pipe = -1;
+        m_pid = -1;
         m_page = nullptr;
-        m_out.clear();
+        m_read = 0;
     }
 
     pid_t m_pid = -1;
-    int m_pipe = -1;
     void* m_page = nullptr;
     std::vector<std::string> m_options;
-    std::string m_out;
+    size_t m_read = 0;  // what ReadLine has taken of standard output
 };
-
 #endif  // ZO_TESTS_SUPPORT_SIM_PROCESS_H
