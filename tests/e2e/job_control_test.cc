@@ -15,17 +15,12 @@ namespace {
 // leaves it stopped, the signal pending until fg: so it is for every program.
 const std::vector<std::string> kShells[] = {{"/bin/bash", "--norc", "--noediting", "-i"}, {"/bin/dash", "-i"}};
 
-// The process's state letter: 'T' stopped, 'Z' ended but not reaped, ' ' reaped.
-char State(pid_t pid)
+// Whether the process's state letter is one of these: 'T' stopped, 'Z' ended but not reaped, ' ' reaped.
+bool InState(pid_t pid, const std::string& letters)
 {
     const std::string stat = ReadFile("/proc/" + std::to_string(pid) + "/stat");
     const size_t end = stat.rfind(") ");
-    return end == std::string::npos ? ' ' : stat[end + 2];
-}
-
-bool Ended(pid_t pid)
-{
-    return State(pid) == ' ' || State(pid) == 'Z';
+    return letters.find(end == std::string::npos ? ' ' : stat[end + 2]) != std::string::npos;
 }
 
 class JobControl : public testing::TestWithParam<std::vector<std::string>> {};
@@ -86,7 +81,7 @@ TEST_P(JobControl, EveryStopLeavesTheTerminalToTheShellFgTakesRawModeUpAgainKill
     ASSERT_TRUE(pty.Write("int 5\n") && pty.WaitFor("int 5\r\n") && pty.Write("\x1a") && pty.WaitFor(prompt)) << screen();
     EXPECT_EQ("cooked", run.TerminalMode());
     ASSERT_TRUE(pty.Write("bg\n") && pty.WaitFor(prompt) && pty.Write("kill -HUP %1\n")) << pty.Screen();
-    EXPECT_TRUE(WaitFor([&] { return Ended(first); }, std::chrono::milliseconds(10000))) << screen();
+    EXPECT_TRUE(WaitFor([&] { return InState(first, " Z"); }, std::chrono::milliseconds(10000))) << screen();
 
     // Stopped during a request and continued in the background, a console prints the reply when it comes and leaves
     // the terminal to the shell; reading the next line stops it.
@@ -99,12 +94,12 @@ TEST_P(JobControl, EveryStopLeavesTheTerminalToTheShellFgTakesRawModeUpAgainKill
     // Back with fg (after the stop: a shell does not continue a job it thinks running), then stopped by Ctrl-Z at
     // the prompt: kill ends it, under dash at the fg. (%% is this job, whether or not the shell has noticed yet
     // that job 1 ended.)
-    ASSERT_TRUE(WaitFor([&] { return State(second) == 'T'; }, std::chrono::milliseconds(10000))) << screen();
+    ASSERT_TRUE(WaitFor([&] { return InState(second, "T"); }, std::chrono::milliseconds(10000))) << screen();
     ASSERT_TRUE(pty.Write("fg\n") && mode("raw")) << screen();
     ASSERT_TRUE(pty.Write("\x1a") && pty.WaitFor(prompt)) << pty.Screen();
     EXPECT_EQ("cooked", run.TerminalMode());
     ASSERT_TRUE(pty.Write(GetParam()[0] == "/bin/bash" ? "kill %%\n" : "kill %%; fg\n"));
-    EXPECT_TRUE(WaitFor([&] { return Ended(second); }, std::chrono::milliseconds(10000))) << screen();
+    EXPECT_TRUE(WaitFor([&] { return InState(second, " Z"); }, std::chrono::milliseconds(10000))) << screen();
     EXPECT_TRUE(mode("cooked")) << screen();
 }
 

@@ -29,14 +29,11 @@ class PtySession {
 public:
     using Options = PtySessionOptions;
 
-    PtySession() = default;
     ~PtySession()
     {
         WaitChild(m_pid, 0);  // kills and reaps it
         close(m_master);
     }
-    PtySession(const PtySession&) = delete;
-    PtySession& operator=(const PtySession&) = delete;
 
     // False when the terminal could not be made; a program that cannot be started ends with status 127.
     bool Start(const std::string& program, std::vector<std::string> args, const Options& options = {})

@@ -44,7 +44,6 @@ TEST(ServiceSim, DecodesEachRequestAndAnswersIt)
          "info -5 -9000000000 0.1 2.25 \"a\\\"b\\x09c\"",
          "00000000 2a000000 001a7118 02000000 0000c03f 00000000 00000240 03000000 73006900 6d000000", 0},
         {{}, kCount, 0, "count", "00000000 2a000000", 0},
-        {{}, "99000000", 0, "no handler for instruction 0x99", "ffffffff", 0},
         {{}, kCount, 5000, "a request of 5000 bytes, more than the page's 4088", "feffffff", 0},
         {{}, "12000000 01000000", 0, "'info' (Channel) takes \"dDfFsS\": nothing left for argument 2 ('D')", "feffffff",
          0},
