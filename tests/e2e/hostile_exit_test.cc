@@ -218,7 +218,7 @@ TEST(ConsoleEnds, CtrlCKillsWithSignal9AlsoDuringAWait)
     ConsoleRun run;
     ASSERT_TRUE(run.StartSim({"--no-reply"}));
     ASSERT_EQ("", run.StartConsole());
-    ASSERT_TRUE(run.Pty().Write("scan\n"));
+    ASSERT_TRUE(run.Pty().Write("tun\nscan\n"));
     ASSERT_EQ("scan", run.SimLine());  // a request the service never answers
     ASSERT_TRUE(run.Pty().Write("\x03"));
     EXPECT_EQ("signal 9, terminal raw", run.Exit());
