@@ -74,14 +74,14 @@ public:
     }
     std::string Errors() const { return ReadFile(dir.File("sim.err")); }
 
-    // The console's side of the page: posts a request (hex words) as the console does, with size in u32Size (its
-    // length by default), and returns the line the simulator prints for it.
+    // The console's side of the page: posts a request (hex words) as the console does and returns the line the
+    // simulator prints for it.
     void* Page() const { return m_page; }
-    std::string Ask(const std::string& hex, uint32_t size = 0)
+    std::string Ask(const std::string& hex)
     {
         const std::vector<uint8_t> request = FromHex(hex);
         std::memcpy(ShmPayloadOf(m_page), request.data(), request.size());
-        ShmStoreSize(m_page, size != 0 ? size : uint32_t(request.size()));
+        ShmStoreSize(m_page, uint32_t(request.size()));
         ShmStoreFlag(m_page, SHM_FLAG_REQUEST);
         return ReadLine();
     }
