@@ -1,6 +1,5 @@
-// One end-to-end run of the console: a small catalogue in a fresh directory,
-// the page DIR/.tv (a plain 4096-byte file, or the simulator answering on it)
-// and zo_cmd_debug_host on a pseudo-terminal. Every wait has a deadline.
+// One end-to-end run of the console: a small catalogue in a fresh directory, the page DIR/.tv (a plain 4096-byte
+// file, or the simulator answering on it) and zo_cmd_debug_host on a pseudo-terminal. Every wait has a deadline.
 #ifndef ZO_TESTS_E2E_CONSOLE_RUN_H
 #define ZO_TESTS_E2E_CONSOLE_RUN_H
 

@@ -1,6 +1,5 @@
-// The console against the demo TV on a copy of the example catalogue, as an
-// engineer uses them: settings answered and refused, state kept from one
-// command to a later one, a reply of many rows, and the TV's request log.
+// The console against the demo TV on a copy of the example catalogue, as an engineer uses them: settings answered and
+// refused, state kept from one command to a later one, a reply of many rows, and the TV's request log.
 #include "console_run.h"
 
 #include <fcntl.h>

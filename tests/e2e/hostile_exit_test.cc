@@ -1,6 +1,5 @@
-// The ways the console ends: a wrong command line, a swap file, process or
-// resources turned against it, or the engineer's keys. Each one but the Ctrl-C
-// kill leaves the terminal as the console found it, and the shell sees the
+// The ways the console ends: a wrong command line, a swap file, process or resources turned against it, or the
+// engineer's keys. Each one but the Ctrl-C kill leaves the terminal as the console found it, and the shell sees the
 // status or the signal it expects.
 #include "console_run.h"
 
@@ -42,7 +41,7 @@ TEST(ConsoleEnds, UsageErrorsAndStartupRefusalsExitAndRestoreTheTerminal)
         void (*setup)(const std::string& page);
         std::string message;  // PAGE stands for the swap file's path
         bool pageLeft;
-        int resource = -1;  // a limit the console starts with
+        int resource = -1;  // and its limit: one the console starts with
         rlim_t limit = 0;
         std::string end = "exit 1";
         std::vector<std::string> args = {"DIR"};  // DIR stands for the directory
@@ -123,12 +122,8 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
 {
     const struct rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);  // SIGQUIT would leave a core file
-    struct Case {
-        int signo;
-        const char* keys;  // typed instead of sent when set, after it when the signal is ignored
-        std::string end;
-        bool ignored = false;  // from the start, as under nohup
-    };
+    // keys: typed instead of the signal sent when set, after it when the signal is ignored from the start (nohup).
+    struct Case { int signo; const char* keys; std::string end; bool ignored = false; };
     const Case cases[] = {
         {SIGTERM, nullptr, "signal 15"}, {SIGHUP, nullptr, "signal 1"}, {SIGQUIT, "\x1c", "signal 3"},
         {SIGPIPE, nullptr, "signal 13"}, {SIGHUP, "q\n", "exit 0", true},
@@ -179,21 +174,14 @@ TEST(ConsoleEnds, SecondConsoleOnThePageNamesTheFirstOnceAndRuns)
 // error, never anything into the swap file.
 TEST(ConsoleEnds, ClosedStandardDescriptorsNeverLeadIntoTheSwapFile)
 {
-    struct Case {
-        const char* what;
-        bool closed[3];
-        size_t pageBytes;
-        std::string out;  // FIRST stands for the other console's warning
-        std::string err;
-        int status;
-    };
-    const Case cases[] = {
+    // What the console writes to its standard output and error; FIRST stands for the other console's warning.
+    const struct { const char* what; bool closed[3]; size_t pageBytes; std::string out, err; int status; } cases[] = {
         {"all three", {true, true, true}, SHM_SIZE, "", "", 0},
         {"input and error", {true, false, true}, SHM_SIZE, "TV $", "", 0},
         {"output", {false, true, false}, SHM_SIZE, "", "FIRST", 0},
         {"output, page too short", {false, true, false}, SHM_SIZE - 1, "", "", 1},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         ConsoleRun first;
         const std::string page(c.pageBytes, '\0');
@@ -239,15 +227,15 @@ TEST(ConsoleEnds, PageLostUnderTheMappingEndsWith1InsteadOfSigbus)
         }
         ConsoleRun run;
         const std::string fs = full ? run.Dir().File("fs") : run.Dir().Path(), page = ShmSwapFilePath(fs);
-        std::vector<std::string> messages{"swap file " + page + " was truncated while mapped: the shared page is lost\r\n"};
+        std::vector<std::string> messages{"swap file " + page + " was truncated while mapped: the shared page is lost"};
         if (full) {
             messages = {"can't reserve 4096 bytes for " + page + ": No space left on device\r\n",
                         "swap file " + page + " could not back the shared page (is its file system"};
-            ASSERT_TRUE(run.Pty().Start("unshare", {"-rm", "sh", "-c", "mkdir " + fs + " && mount -t tmpfs -o size=16k zo " +
-                                                    fs + " && cp " + run.Dir().Path() + "/*.conf " + fs + " && truncate -s 4096 " +
-                                                    page + " && { cat /dev/zero >" + fs + "/fill 2>/dev/null; " +
-                                                    ZO_SERVICE_SIM_PATH + " " + fs + "; exec " + ZO_CMD_DEBUG_HOST_PATH +
-                                                    " " + fs + "; }"}));
+            const std::string script = "mkdir " + fs + " && mount -t tmpfs -o size=16k zo " + fs + " && cp " +
+                                       run.Dir().Path() + "/*.conf " + fs + " && truncate -s 4096 " + page +
+                                       " && { cat /dev/zero >" + fs + "/fill 2>/dev/null; " + ZO_SERVICE_SIM_PATH +
+                                       " " + fs + "; exec " + ZO_CMD_DEBUG_HOST_PATH + " " + fs + "; }";
+            ASSERT_TRUE(run.Pty().Start("unshare", {"-rm", "sh", "-c", script}));
         } else {
             run.WritePage();
             ASSERT_TRUE(run.StartProgram({fs}));

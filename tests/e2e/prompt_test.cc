@@ -1,6 +1,5 @@
-// The prompt loop as an engineer meets it, against the simulator: help, modules,
-// the lines the console refuses, a command of each format letter, quitting; and
-// a catalogue that fails to load.
+// The prompt loop as an engineer meets it, against the simulator: help, modules, the lines the console refuses, a
+// command of each format letter, quitting; input from a file; and a catalogue that fails to load.
 #include "console_run.h"
 
 static const std::string kHelp = "======= Command ============== Description ============\n";

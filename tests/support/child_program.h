@@ -37,7 +37,8 @@ bool WaitFor(Cond cond, std::chrono::milliseconds timeout = std::chrono::millise
 // Milliseconds until the deadline, 0 once it has passed.
 inline int MsLeft(Clock::time_point deadline)
 {
-    return int(std::max<long long>(0, std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count()));
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    return int(std::max<long long>(0, left));
 }
 
 // For a forked child: replaces the process with the program, behind the emulator's words if any (unless it is one of
@@ -84,7 +85,8 @@ inline pid_t SpawnChild(const std::vector<std::string>& argv, int in = -1, int o
 inline int WaitChild(pid_t pid, int timeoutMs = 10000)
 {
     int status = -1;
-    if (pid > 0 && !WaitFor([&] { return waitpid(pid, &status, WNOHANG) != 0; }, std::chrono::milliseconds(timeoutMs))) {
+    const auto ended = [&] { return waitpid(pid, &status, WNOHANG) != 0; };
+    if (pid > 0 && !WaitFor(ended, std::chrono::milliseconds(timeoutMs))) {
         kill(pid, SIGKILL);
         waitpid(pid, nullptr, 0);
         return -1;
@@ -104,7 +106,8 @@ inline int RunChild(const std::vector<std::string>& argv, const std::vector<std:
 {
     int fds[3];
     for (int i = 0; i < 3; ++i) {
-        fds[i] = files[i].empty() ? kClosedFd : i == 0 ? open(files[i].c_str(), O_RDONLY | O_CLOEXEC) : OpenForChild(files[i]);
+        const char* file = files[i].c_str();
+        fds[i] = files[i].empty() ? kClosedFd : i == 0 ? open(file, O_RDONLY | O_CLOEXEC) : OpenForChild(file);
     }
     const int status = WaitChild(SpawnChild(argv, fds[0], fds[1], fds[2]));
     for (const int fd : fds) {

@@ -54,7 +54,7 @@ public:
         return m_pid > 0;
     }
     // Sends keys. It blocks while the terminal's input buffer (4 KB) is full: keep pastes shorter.
-    bool Write(const std::string& bytes) { return write(m_master, bytes.data(), bytes.size()) == ssize_t(bytes.size()); }
+    bool Write(const std::string& s) { return write(m_master, s.data(), s.size()) == ssize_t(s.size()); }
     // Consumes the screen up to and including the first text (stored in *upTo); false on time-out or when the
     // terminal closed first.
     bool WaitFor(const std::string& text, std::string* upTo = nullptr, int timeoutMs = 5000)

@@ -64,7 +64,9 @@ public:
     {
         std::string out;
         size_t eol = std::string::npos;
-        const auto lineEnds = [&] { return (eol = (out = ReadFile(dir.File("sim.out"))).find('\n', m_read)) != out.npos; };
+        const auto lineEnds = [&] {
+            return (eol = (out = ReadFile(dir.File("sim.out"))).find('\n', m_read)) != std::string::npos;
+        };
         if (!WaitFor(lineEnds, timeout)) {
             return "<timeout>";
         }

@@ -38,11 +38,7 @@ const std::string kCmd = Cmd("c", "M", "0x11");
 // Each expected line is the start of a diagnostic, "FILE:LINE: kind: text", or the count.
 TEST(ZoConfCheck, EachCatalogueGetsItsDiagnostics)
 {
-    const struct {
-        std::string mods;
-        std::string cmds;
-        std::vector<std::string> report;
-    } cases[] = {
+    const struct { std::string mods, cmds; std::vector<std::string> report; } cases[] = {
         {kMod, kCmd, {"0 errors, 0 warnings"}},
         // Rows the reader passes over or cuts.
         {"instruction = 0x5\n" + kMod + "# keys end here\ndescription = d\n[" + std::string(5000, 'T') + "]\n",

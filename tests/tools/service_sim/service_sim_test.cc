@@ -32,13 +32,8 @@ TEST(ServiceSim, DecodesEachRequestAndAnswersIt)
     WriteCatalogue(sim.dir);
     const std::string replies = sim.dir.Write("replies", "# code status values\n0x11 0 7 010\n0x12 0x80000001\n");
     sim.dir.Write(kShmSwapFileName, "short");  // grown to a page
-    const struct {
-        std::vector<std::string> options;
-        std::string request;
-        std::string line;
-        std::string reply;
-        uint32_t claimed;  // u32Size of the reply; 0 for its length
-    } cases[] = {
+    // claimed: u32Size of the reply; 0 for its length.
+    const struct { std::vector<std::string> options; std::string request, line, reply; uint32_t claimed; } cases[] = {
         {{}, "12000000 fbffffff 00e68ee7 fdffffff cdcccc3d 00000000 00000240 05000000 61002200 62000900 63000000",
          "info -5 -9000000000 0.1 2.25 \"a\\\"b\\x09c\"",
          "00000000 2a000000 001a7118 02000000 0000c03f 00000000 00000240 03000000 73006900 6d000000", 0},
@@ -143,10 +138,7 @@ TEST(ServiceSim, HelpsRepliesExampleAnswersTheExamples)
     sim.dir.Write("mods.conf", ReadFile(ZO_EXAMPLES_DIR "/mods.conf"));
     sim.dir.Write("cmds.conf", ReadFile(ZO_EXAMPLES_DIR "/cmds.conf"));
     ASSERT_TRUE(sim.Start({"--replies", sim.dir.Write("replies", example)})) << example << sim.Errors();
-    const struct {
-        const char* request;
-        const char* reply;
-    } cases[] = {
+    const struct { const char* request; const char* reply; } cases[] = {
         {"11000000", "00000000 03000000"},
         {"15000000", "00000000 01000000 903b0700 0d000000 4e006f00 72007400 68006700 61007400 65002000 4f006e00 "
                      "65000000 02000000 903b0700 04000000 4e006500 77007300 00000000"},
@@ -159,8 +151,8 @@ TEST(ServiceSim, HelpsRepliesExampleAnswersTheExamples)
     EXPECT_EQ(0u, sim.Errors().find("zo_service_sim: answering 15 commands")) << sim.Errors();
 }
 
-// A page that cannot be used ends the simulator with status 1 and a message
-// naming the swap file (the library's refusals have their own tests).
+// A page that cannot be used ends the simulator with status 1 and a message naming the swap file (the library's
+// refusals have their own tests).
 TEST(ServiceSim, PagesThatCannotBeUsedEndItWithOne)
 {
     SimProcess sim;
