@@ -104,6 +104,6 @@ TEST_P(JobControl, EveryStopLeavesTheTerminalToTheShellFgTakesRawModeUpAgainKill
 }
 
 INSTANTIATE_TEST_SUITE_P(Shells, JobControl, testing::ValuesIn(kShells),
-                         [](const testing::TestParamInfo<JobControl::ParamType>& info) { return info.param[0].substr(5); });
+                         [](const auto& info) { return info.param[0].substr(5); });
 
 }  // namespace
