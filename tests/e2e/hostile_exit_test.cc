@@ -23,6 +23,9 @@ std::string AlsoUsedBy(ConsoleRun& run)
            std::to_string(run.Pty().Pid()) + "): replies may cross\n";
 }
 
+// No core files from the abort and SIGQUIT below.
+const int kNoCore = [] { const struct rlimit none = {0, 0}; return setrlimit(RLIMIT_CORE, &none); }();
+
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool kSanitized = true;
 #else
@@ -31,8 +34,6 @@ constexpr bool kSanitized = false;
 
 TEST(ConsoleEnds, UsageErrorsAndStartupRefusalsExitAndRestoreTheTerminal)
 {
-    const struct rlimit noCore = {0, 0};
-    setrlimit(RLIMIT_CORE, &noCore);  // for the abort
     const std::string tooShort = " bytes long, it needs at least 4096 bytes: start the service first\r\n";
     const std::string notRegular = ", not a regular file\r\n";
     const std::string usage = "\r\nusage: zo_cmd_debug_host DIR (zo_cmd_debug_host --help tells more)\r\n";
@@ -120,8 +121,6 @@ TEST(ConsoleEnds, UsageErrorsAndStartupRefusalsExitAndRestoreTheTerminal)
 
 TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
 {
-    const struct rlimit noCore = {0, 0};
-    setrlimit(RLIMIT_CORE, &noCore);  // SIGQUIT would leave a core file
     // keys: typed instead of the signal sent when set, after it when the signal is ignored from the start (nohup).
     struct Case { int signo; const char* keys; std::string end; bool ignored = false; };
     const Case cases[] = {

@@ -46,10 +46,8 @@ TEST_P(JobControl, EveryStopLeavesTheTerminalToTheShellFgTakesRawModeUpAgainKill
     const std::string prompt = "shell> ";
     std::vector<std::string> shell{"-u", "ENV", "PS1=" + prompt};
     shell.insert(shell.end(), GetParam().begin(), GetParam().end());
-    PtySession::Options native;
-    native.emulated = false;
     PtySession& pty = run.Pty();
-    ASSERT_TRUE(pty.Start("env", shell, native) && pty.WaitFor(prompt)) << pty.Screen();
+    ASSERT_TRUE(pty.Start("env", shell, {nullptr, "", false, /*emulated=*/false}) && pty.WaitFor(prompt)) << pty.Screen();
     // The screen up to now, for a failure seen by a condition rather than by the screen.
     const auto screen = [&] { return pty.WaitFor(std::string(1, '\0'), nullptr, 500), pty.Screen(); };
     const auto mode = [&](const std::string& wanted) {
