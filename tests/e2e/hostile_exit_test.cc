@@ -133,8 +133,7 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
         run.WritePage();
         PtySession::Options options;
         options.hangUpIgnored = c.ignored;
-        ASSERT_TRUE(run.StartProgram({run.Dir().Path()}, options));
-        ASSERT_TRUE(run.Pty().WaitFor("TV $")) << run.Pty().Screen();
+        ASSERT_EQ("", run.StartConsole(options)) << run.Pty().Screen();
         if (c.keys == nullptr || c.ignored) {
             ASSERT_EQ(0, kill(run.Pty().Pid(), c.signo));
         }
@@ -186,14 +185,12 @@ TEST(ConsoleEnds, ClosedStandardDescriptorsNeverLeadIntoTheSwapFile)
         const std::string page(c.pageBytes, '\0');
         first.Dir().Write(kShmSwapFileName, page);
         ASSERT_TRUE(c.pageBytes < SHM_SIZE || first.StartConsole() == "") << first.Pty().Screen();
-        std::vector<std::string> files = {"/dev/null", first.Dir().File("out"), first.Dir().File("err")};
-        for (int i = 0; i < 3; ++i) {
-            files[i] = c.closed[i] ? "" : files[i];
-        }
-        const int status = RunChild({ZO_CMD_DEBUG_HOST_PATH, first.Dir().Path()}, files);  // input at its end at once
+        const std::string out = first.Dir().File("out"), err = first.Dir().File("err");
+        const int status = RunChild({ZO_CMD_DEBUG_HOST_PATH, first.Dir().Path()},  // input at its end at once
+                                    {c.closed[0] ? "" : "/dev/null", c.closed[1] ? "" : out, c.closed[2] ? "" : err});
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == c.status) << status;
-        EXPECT_EQ(c.out, ReadFile(first.Dir().File("out")));
-        EXPECT_EQ(c.err == "FIRST" ? AlsoUsedBy(first) : c.err, ReadFile(first.Dir().File("err")));
+        EXPECT_EQ(c.out, ReadFile(out));
+        EXPECT_EQ(c.err == "FIRST" ? AlsoUsedBy(first) : c.err, ReadFile(err));
         EXPECT_EQ(page, ReadFile(first.Page()));
     }
 }
@@ -239,8 +236,7 @@ TEST(ConsoleEnds, PageLostUnderTheMappingEndsWith1InsteadOfSigbus)
             run.WritePage();
             ASSERT_TRUE(run.StartProgram({fs}));
         }
-        ASSERT_TRUE(run.Pty().Write("fmt\n"));
-        ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
+        ASSERT_TRUE(run.Pty().Write("fmt\n") && run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
         ASSERT_TRUE(full || truncate(page.c_str(), 0) == 0);
         ASSERT_TRUE(run.Pty().Write("int 5\n"));
         // Under unshare the terminal's settings at the start are unknown.

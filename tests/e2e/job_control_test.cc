@@ -47,7 +47,8 @@ TEST_P(JobControl, EveryStopLeavesTheTerminalToTheShellFgTakesRawModeUpAgainKill
     std::vector<std::string> shell{"-u", "ENV", "PS1=" + prompt};
     shell.insert(shell.end(), GetParam().begin(), GetParam().end());
     PtySession& pty = run.Pty();
-    ASSERT_TRUE(pty.Start("env", shell, {nullptr, "", false, /*emulated=*/false}) && pty.WaitFor(prompt)) << pty.Screen();
+    const PtySession::Options native{nullptr, "", false, /*emulated=*/false};
+    ASSERT_TRUE(pty.Start("env", shell, native) && pty.WaitFor(prompt)) << pty.Screen();
     // The screen up to now, for a failure seen by a condition rather than by the screen.
     const auto screen = [&] { return pty.WaitFor(std::string(1, '\0'), nullptr, 500), pty.Screen(); };
     const auto mode = [&](const std::string& wanted) {

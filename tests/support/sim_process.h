@@ -41,16 +41,9 @@ public:
         return m_page != nullptr;
     }
     // Starts it unless it runs with these options already.
-    bool Use(const std::vector<std::string>& options)
-    {
-        return (m_page != nullptr && m_options == options) || Start(options);
-    }
+    bool Use(const std::vector<std::string>& options) { return (m_page && m_options == options) || Start(options); }
     // The wait status of a whole run with exactly these arguments.
-    int Run(const std::vector<std::string>& args)
-    {
-        Spawn(args);
-        return Signal(0);
-    }
+    int Run(const std::vector<std::string>& args) { return Spawn(args), Signal(0); }
     // Sends sig (none for 0) and returns the wait status once the simulator has ended.
     int Signal(int sig)
     {

@@ -56,7 +56,7 @@ TEST(ServiceSim, DecodesEachRequestAndAnswersIt)
               std::string::npos);
 }
 
-TEST(ServiceSim, DelayAndNoReplyHoldTheAnswerBackAndSignalsEndIt)
+TEST(ServiceSim, DelayAndNoReplyHoldTheAnswerBackSignalsAndALostPageEndIt)
 {
     SimProcess sim;
     WriteCatalogue(sim.dir);
@@ -81,12 +81,30 @@ TEST(ServiceSim, DelayAndNoReplyHoldTheAnswerBackAndSignalsEndIt)
     EXPECT_EQ(0, sim.Signal(SIGINT)) << "also in the middle of a delay";
     ASSERT_TRUE(sim.Start());
     EXPECT_EQ("count", sim.Ask(kCount)) << "serving, its guard in place";
-    const int status = sim.Signal(SIGBUS);
+    int status = sim.Signal(SIGBUS);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGBUS) << "a bus error sent, not raised on the page";
+
+    // The swap file cut to nothing under the mapping, while polling and while waiting to answer.
+    if (std::getenv("ZO_TEST_EMULATOR") != nullptr) {
+        GTEST_SKIP() << "qemu-arm dies of the bus error itself instead of passing it to the program";
+    }
+    const std::string page = ShmSwapFilePath(sim.dir.Path());
+    for (const std::vector<std::string>& options : {std::vector<std::string>{}, {"--delay", "200"}}) {
+        ASSERT_TRUE(sim.Start(options));
+        if (!options.empty()) {
+            EXPECT_EQ("count", sim.Ask(kCount));
+        }
+        ASSERT_EQ(0, truncate(page.c_str(), 0));
+        status = sim.Signal(0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
+        EXPECT_NE(sim.Errors().find("swap file " + page + " was truncated while mapped"), std::string::npos)
+            << sim.Errors();
+    }
 }
 
-// A bad option or replies file stops the simulator at start-up with status 2.
-TEST(ServiceSim, BadArgumentsAndRepliesFilesExitWithTwo)
+// A bad option or replies file stops the simulator at start-up with status 2, a page that cannot be used with 1 and a
+// message naming the swap file (the library's refusals have their own tests).
+TEST(ServiceSim, BadArgumentsRepliesFilesAndPagesStopItAtStartUp)
 {
     SimProcess sim;
     WriteCatalogue(sim.dir);
@@ -117,6 +135,11 @@ TEST(ServiceSim, BadArgumentsAndRepliesFilesExitWithTwo)
         EXPECT_NE(errors.find(c.second), std::string::npos) << errors;
         EXPECT_EQ(2, std::count(errors.begin(), errors.end(), '\n')) << errors;
     }
+    const std::string page = ShmSwapFilePath(d);
+    mkfifo(page.c_str(), 0600);
+    const int status = sim.Run({d});
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
+    EXPECT_NE(sim.Errors().find(page + " is a FIFO, not a regular file"), std::string::npos) << sim.Errors();
 }
 
 // The replies file that --help shows runs on the example catalogue, as it says.
@@ -147,34 +170,4 @@ TEST(ServiceSim, HelpsRepliesExampleAnswersTheExamples)
         EXPECT_EQ(c.reply, sim.Reply()) << example;
     }
     EXPECT_EQ(0u, sim.Errors().find("zo_service_sim: answering 15 commands")) << sim.Errors();
-}
-
-// A page that cannot be used ends the simulator with status 1 and a message naming the swap file (the library's
-// refusals have their own tests).
-TEST(ServiceSim, PagesThatCannotBeUsedEndItWithOne)
-{
-    SimProcess sim;
-    WriteCatalogue(sim.dir);
-    const std::string page = ShmSwapFilePath(sim.dir.Path());
-    mkfifo(page.c_str(), 0600);
-    int status = sim.Run({sim.dir.Path()});
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
-    EXPECT_NE(sim.Errors().find(page + " is a FIFO, not a regular file"), std::string::npos) << sim.Errors();
-    remove(page.c_str());
-
-    // The swap file cut to nothing under the mapping, while polling and while waiting to answer.
-    if (std::getenv("ZO_TEST_EMULATOR") != nullptr) {
-        GTEST_SKIP() << "qemu-arm dies of the bus error itself instead of passing it to the program";
-    }
-    for (const std::vector<std::string>& options : {std::vector<std::string>{}, {"--delay", "200"}}) {
-        ASSERT_TRUE(sim.Start(options));
-        if (!options.empty()) {
-            EXPECT_EQ("count", sim.Ask(kCount));
-        }
-        ASSERT_EQ(0, truncate(page.c_str(), 0));
-        status = sim.Signal(0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
-        EXPECT_NE(sim.Errors().find("swap file " + page + " was truncated while mapped"), std::string::npos)
-            << sim.Errors();
-    }
 }
