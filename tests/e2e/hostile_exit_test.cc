@@ -109,10 +109,8 @@ TEST(ConsoleEnds, UsageErrorsAndStartupRefusalsExitAndRestoreTheTerminal)
 
         EXPECT_EQ(c.end, run.Exit());
         std::string message = c.message;
-        if (message.find("PAGE") != std::string::npos) {
-            message.replace(message.find("PAGE"), 4, run.Page());
-        }
-        EXPECT_EQ(message, run.Pty().Screen());
+        const size_t page = message.find("PAGE");
+        EXPECT_EQ(page == std::string::npos ? message : message.replace(page, 4, run.Page()), run.Pty().Screen());
         struct stat info;
         EXPECT_EQ(c.pageLeft, lstat(run.Page().c_str(), &info) == 0);
         EXPECT_NE(0, lstat(run.Dir().File("made.tv").c_str(), &info));  // the console removed what it created

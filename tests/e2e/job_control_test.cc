@@ -32,15 +32,11 @@ TEST_P(JobControl, EveryStopLeavesTheTerminalToTheShellFgTakesRawModeUpAgainKill
     }
     ConsoleRun run;
     run.WritePage();  // no service yet: a request waits for the simulator
-    // A catalogue of 20 MB that takes a while to load, for Ctrl-Z to come in the middle: the small one, then ten
-    // million rows that the reader passes over.
+    // A catalogue of 20 MB that takes a while to load, for Ctrl-Z to come in the middle: the small one, then twenty
+    // million empty rows that the reader passes over.
     const TempDir big;
     big.Write("mods.conf", ReadFile(run.Dir().File("mods.conf")));
-    std::string padding(20000000, '\n');
-    for (size_t i = 0; i < padding.size(); i += 2) {
-        padding[i] = '#';
-    }
-    big.Write("cmds.conf", ReadFile(run.Dir().File("cmds.conf")) + padding);
+    big.Write("cmds.conf", ReadFile(run.Dir().File("cmds.conf")) + std::string(20000000, '\n'));
     big.Write(kShmSwapFileName, std::string(SHM_SIZE, '\0'));  // never answered
 
     const std::string prompt = "shell> ";
