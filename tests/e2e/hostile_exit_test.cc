@@ -129,9 +129,7 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
         SCOPED_TRACE(c.signo);
         ConsoleRun run;
         run.WritePage();
-        PtySession::Options options;
-        options.hangUpIgnored = c.ignored;
-        ASSERT_EQ("", run.StartConsole(options)) << run.Pty().Screen();
+        ASSERT_EQ("", run.StartConsole({nullptr, "", /*hangUpIgnored=*/c.ignored})) << run.Pty().Screen();
         if (c.keys == nullptr || c.ignored) {
             ASSERT_EQ(0, kill(run.Pty().Pid(), c.signo));
         }

@@ -54,9 +54,7 @@ TEST(ConsoleInput, LinesFromAFileRunUntilItsEndThenExit0)
 {
     ConsoleRun run;
     run.WritePage();
-    PtySession::Options options;
-    options.stdinPath = run.Dir().Write("keys", "fmt\nhelp\n");
-    ASSERT_EQ("", run.StartConsole(options));
+    ASSERT_EQ("", run.StartConsole({nullptr, /*stdinPath=*/run.Dir().Write("keys", "fmt\nhelp\n")}));
     EXPECT_EQ("fmt\nFormats@", run.Type(""));  // each prompt shows before the next line is read
     EXPECT_EQ("help\n" + kFormatsHelp + "Formats@", run.Type(""));
     EXPECT_EQ("exit 0", run.Exit());
