@@ -37,21 +37,23 @@ TEST(ConsoleEnds, UsageErrorsAndStartupRefusalsExitAndRestoreTheTerminal)
     const std::string tooShort = " bytes long, it needs at least 4096 bytes: start the service first\r\n";
     const std::string notRegular = ", not a regular file\r\n";
     const std::string usage = "\r\nusage: zo_cmd_debug_host DIR (zo_cmd_debug_host --help tells more)\r\n";
+    const auto none = [](const std::string&) {};
+    const auto fullPage = [](const std::string& p) { std::ofstream(p) << std::string(SHM_SIZE, '\0'); };
     struct Case {
         const char* what;
         void (*setup)(const std::string& page);
         std::string message;  // PAGE stands for the swap file's path
         bool pageLeft;
-        int resource = -1;  // and its limit: one the console starts with
+        int resource = RLIMIT_STACK;  // and a limit the console starts with, 0 for the one it finds
         rlim_t limit = 0;
         std::string end = "exit 1";
         std::vector<std::string> args = {"DIR"};  // DIR stands for the directory
     };
     const Case cases[] = {
-        {"no directory", nullptr, "zo_cmd_debug_host: missing DIR" + usage, false, -1, 0, "exit 2", {}},
-        {"two", nullptr, "zo_cmd_debug_host: one directory expected, got 2 arguments" + usage, false, -1, 0, "exit 2",
-         {"DIR", "b"}},
-        {"missing: created, refused, removed", [](const std::string&) {}, "swap file PAGE is 0" + tooShort, false},
+        {"no directory", none, "zo_cmd_debug_host: missing DIR" + usage, false, RLIMIT_STACK, 0, "exit 2", {}},
+        {"two", none, "zo_cmd_debug_host: one directory expected, got 2 arguments" + usage, false, RLIMIT_STACK, 0,
+         "exit 2", {"DIR", "b"}},
+        {"missing: created, refused, removed", none, "swap file PAGE is 0" + tooShort, false},
         {"one byte short", [](const std::string& p) { std::ofstream(p) << std::string(4095, 'x'); },
          "swap file PAGE is 4095" + tooShort, true},
         {"dangling link: its target created, refused, removed", [](const std::string& p) {
@@ -72,10 +74,11 @@ TEST(ConsoleEnds, UsageErrorsAndStartupRefusalsExitAndRestoreTheTerminal)
         {"not openable", [](const std::string& p) { (void)!symlink("gone/.tv", p.c_str()); },
          "can't open swap file PAGE, errno = 2\r\n", true},
         // Thread stacks as large as the address space: the signal thread cannot start.
-        {"no signal thread", nullptr, "can't start the signal thread: Resource temporarily unavailable\r\n", true,
+        {"no signal thread", fullPage, "can't start the signal thread: Resource temporarily unavailable\r\n", true,
          RLIMIT_STACK, static_cast<rlim_t>(3) << (sizeof(void*) == 8 ? 46 : 30)},
         // 100,000 commands need some 30 MB: std::bad_alloc, uncaught.
         {"catalogue beyond the memory", [](const std::string& p) {
+             std::ofstream(p) << std::string(SHM_SIZE, '\0');
              std::ofstream cmds(p.substr(0, p.size() - 3) + "cmds.conf");
              for (int i = 0; i < 100000; ++i) {
                  cmds << "[c" << i << "]\ncommand = c" << i << "\nbelong module = Tuner\ninstruction = " << i << "\n";
@@ -86,25 +89,19 @@ TEST(ConsoleEnds, UsageErrorsAndStartupRefusalsExitAndRestoreTheTerminal)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         // The emulator keeps limits to itself; the sanitizers and valgrind need more address space than this.
-        if (c.resource >= 0 && (std::getenv("ZO_TEST_EMULATOR") != nullptr || (kSanitized && c.resource == RLIMIT_AS))) {
+        if (c.limit != 0 && (std::getenv("ZO_TEST_EMULATOR") != nullptr || (kSanitized && c.resource == RLIMIT_AS))) {
             continue;
         }
         ConsoleRun run;
-        if (c.resource >= 0) {
-            run.WritePage();
-        }
-        if (c.setup != nullptr) {
-            c.setup(run.Page());
-        }
-        const int resource = c.resource >= 0 ? c.resource : RLIMIT_STACK;
+        c.setup(run.Page());
         struct rlimit found {};
-        getrlimit(resource, &found);
-        const struct rlimit limited = {c.resource >= 0 ? c.limit : found.rlim_cur, found.rlim_max};
-        setrlimit(resource, &limited);
+        getrlimit(c.resource, &found);
+        const struct rlimit limited = {c.limit != 0 ? c.limit : found.rlim_cur, found.rlim_max};
+        setrlimit(c.resource, &limited);
         std::vector<std::string> args = c.args;
         std::replace(args.begin(), args.end(), std::string("DIR"), run.Dir().Path());
         const bool started = run.StartProgram(args);
-        setrlimit(resource, &found);
+        setrlimit(c.resource, &found);
         ASSERT_TRUE(started);
 
         EXPECT_EQ(c.end, run.Exit());
