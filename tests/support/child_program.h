@@ -25,11 +25,10 @@ template <typename Cond>
 bool WaitFor(Cond cond, std::chrono::milliseconds timeout = std::chrono::milliseconds(3000))
 {
     const auto deadline = Clock::now() + timeout;
-    while (!cond()) {
+    for (; !cond(); std::this_thread::sleep_for(std::chrono::milliseconds(1))) {
         if (Clock::now() >= deadline) {
             return false;
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
 }

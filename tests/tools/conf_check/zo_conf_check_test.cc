@@ -8,8 +8,7 @@
 #include "child_program.h"
 #include "temp_dir.h"
 
-namespace
-{
+namespace {
 
 // Runs the checker with args; its exit status (-1 when it did not exit), and out and err in dir.
 int Check(const TempDir& dir, std::vector<std::string> args)
