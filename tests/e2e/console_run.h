@@ -1,6 +1,5 @@
-// One end-to-end run of the console: a small catalogue in a fresh directory,
-// the page DIR/.tv (a plain 4096-byte file, or the simulator answering on it)
-// and zo_cmd_debug_host on a pseudo-terminal. Every wait has a deadline.
+// One end-to-end run of the console: a small catalogue in a fresh directory, the page DIR/.tv (a plain 4096-byte
+// file, or the simulator answering on it) and zo_cmd_debug_host on a pseudo-terminal. Every wait has a deadline.
 #ifndef ZO_TESTS_E2E_CONSOLE_RUN_H
 #define ZO_TESTS_E2E_CONSOLE_RUN_H
 
@@ -19,19 +18,20 @@ public:
     // Formats holds a command per format letter, the same letter for its argument and its reply; Tuner one command.
     explicit ConsoleRun(bool withCatalogue = true)
     {
+        if (!withCatalogue) {
+            return;
+        }
         const char* const words[] = {"int", "long", "float", "double", "str"};
         std::string cmds = "[scan]\ncommand = scan\nbelong module = Tuner\ninstruction = 6\n";
-        for (int i = 0; i < 5 && withCatalogue; ++i) {
+        for (int i = 0; i < 5; ++i) {
             const std::string word = words[i], letter(1, "dDfFs"[i]), code = std::to_string(i + 1);
             cmds += "[" + word + "]\ncommand = " + word + "\nbelong module = Formats\ninstruction = " + code +
                     "\npara format = " + letter + "\nprint format = " + letter + "\nprint tags = " + word +
                     "\ndescription = the " + word + "\n";
         }
-        if (withCatalogue) {
-            Dir().Write("mods.conf", "[Formats]\ncommand = fmt\ninstruction = 0x10\ndescription = one per letter\n"
-                                     "[Tuner]\ncommand = tun\ninstruction = 0x20\ndescription = tuner state\n");
-            Dir().Write("cmds.conf", cmds);
-        }
+        Dir().Write("mods.conf", "[Formats]\ncommand = fmt\ninstruction = 0x10\ndescription = one per letter\n"
+                                 "[Tuner]\ncommand = tun\ninstruction = 0x20\ndescription = tuner state\n");
+        Dir().Write("cmds.conf", cmds);
     }
 
     // The service, a second process on the same directory: the simulator; or a plain page when no line reaches one.

@@ -1,6 +1,5 @@
-// The console against the demo TV on a copy of the example catalogue, as an
-// engineer uses them: settings answered and refused, state kept from one
-// command to a later one, a reply of many rows, and the TV's request log.
+// The console against the demo TV on a copy of the example catalogue, as an engineer uses them: settings answered and
+// refused, state kept from one command to a later one, a reply of many rows, and the TV's request log.
 #include "console_run.h"
 
 #include <fcntl.h>
@@ -12,7 +11,7 @@ TEST(DemoTv, AnswersTheExampleCatalogueKeepsItsStateAndEndsOnSigterm)
     for (const char* name : {"mods.conf", "cmds.conf"}) {
         run.Dir().Write(name, ReadFile(std::string(ZO_EXAMPLES_DIR "/") + name));
     }
-    const int log = open(run.Dir().File("tv.log").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    const int log = OpenForChild(run.Dir().File("tv.log"));
     const pid_t tv = SpawnChild({ZO_DEMO_TV_PATH, run.Dir().Path()}, -1, log);
     close(log);
     struct stat page {};
@@ -44,11 +43,10 @@ TEST(DemoTv, AnswersTheExampleCatalogueKeepsItsStateAndEndsOnSigterm)
     }
     // Every channel, a row each.
     const std::string list = run.Type("list\n");
-    size_t rows = 0;
-    for (size_t at = list.find("\nnumber:"); at != std::string::npos; at = list.find("\nnumber:", at + 1)) {
-        ++rows;
+    int rows = 0;
+    for (size_t at = 0; (at = list.find("\nnumber:", at + 1)) != std::string::npos; ++rows) {
     }
-    EXPECT_EQ(12u, rows) << list;
+    EXPECT_EQ(12, rows) << list;
     EXPECT_NE(std::string::npos, list.find("\n" + channel3 + "\n")) << list;
     // Each line is written out before the answer is posted.
     EXPECT_EQ(expectedLog + "list -> 12 channels\n", ReadFile(run.Dir().File("tv.log")));

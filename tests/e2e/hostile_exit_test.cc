@@ -1,11 +1,9 @@
-// The ways the console ends: a wrong command line, a swap file, process or
-// resources turned against it, or the engineer's keys. Each one but the Ctrl-C
-// kill leaves the terminal as the console found it, and the shell sees the
+// The ways the console ends: a wrong command line, a swap file, process or resources turned against it, or the
+// engineer's keys. Each one but the Ctrl-C kill leaves the terminal as the console found it, and the shell sees the
 // status or the signal it expects.
 #include "console_run.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -25,40 +23,37 @@ std::string AlsoUsedBy(ConsoleRun& run)
            std::to_string(run.Pty().Pid()) + "): replies may cross\n";
 }
 
+// No core files from the abort and SIGQUIT below.
+const int kNoCore = [] { const struct rlimit none = {0, 0}; return setrlimit(RLIMIT_CORE, &none); }();
+
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool kSanitized = true;
 #else
 constexpr bool kSanitized = false;
 #endif
 
-TEST(ConsoleEnds, MissingOrExtraArgumentPrintsUsageAndExits2)
+TEST(ConsoleEnds, UsageErrorsAndStartupRefusalsExitAndRestoreTheTerminal)
 {
-    for (const std::vector<std::string>& args : {std::vector<std::string>{}, std::vector<std::string>{"a", "b"}}) {
-        ConsoleRun run;
-        ASSERT_TRUE(run.StartProgram(args));
-        EXPECT_EQ("exit 2", run.Exit());
-        EXPECT_EQ(0u, run.Pty().Screen().find("zo_cmd_debug_host: ")) << run.Pty().Screen();
-        EXPECT_NE(std::string::npos, run.Pty().Screen().find("\r\nusage: zo_cmd_debug_host DIR (")) << run.Pty().Screen();
-    }
-}
-
-TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
-{
-    const struct rlimit noCore = {0, 0};
-    setrlimit(RLIMIT_CORE, &noCore);  // for the abort
     const std::string tooShort = " bytes long, it needs at least 4096 bytes: start the service first\r\n";
     const std::string notRegular = ", not a regular file\r\n";
+    const std::string usage = "\r\nusage: zo_cmd_debug_host DIR (zo_cmd_debug_host --help tells more)\r\n";
+    const auto none = [](const std::string&) {};
+    const auto fullPage = [](const std::string& p) { std::ofstream(p) << std::string(SHM_SIZE, '\0'); };
     struct Case {
         const char* what;
         void (*setup)(const std::string& page);
         std::string message;  // PAGE stands for the swap file's path
         bool pageLeft;
-        int resource = -1;  // a limit the console starts with
+        int resource = RLIMIT_STACK;  // and a limit the console starts with, 0 for the one it finds
         rlim_t limit = 0;
         std::string end = "exit 1";
+        std::vector<std::string> args = {"DIR"};  // DIR stands for the directory
     };
     const Case cases[] = {
-        {"missing: created, refused, removed", [](const std::string&) {}, "swap file PAGE is 0" + tooShort, false},
+        {"no directory", none, "zo_cmd_debug_host: missing DIR" + usage, false, RLIMIT_STACK, 0, "exit 2", {}},
+        {"two", none, "zo_cmd_debug_host: one directory expected, got 2 arguments" + usage, false, RLIMIT_STACK, 0,
+         "exit 2", {"DIR", "b"}},
+        {"missing: created, refused, removed", none, "swap file PAGE is 0" + tooShort, false},
         {"one byte short", [](const std::string& p) { std::ofstream(p) << std::string(4095, 'x'); },
          "swap file PAGE is 4095" + tooShort, true},
         {"dangling link: its target created, refused, removed", [](const std::string& p) {
@@ -79,10 +74,11 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
         {"not openable", [](const std::string& p) { (void)!symlink("gone/.tv", p.c_str()); },
          "can't open swap file PAGE, errno = 2\r\n", true},
         // Thread stacks as large as the address space: the signal thread cannot start.
-        {"no signal thread", nullptr, "can't start the signal thread: Resource temporarily unavailable\r\n", true,
+        {"no signal thread", fullPage, "can't start the signal thread: Resource temporarily unavailable\r\n", true,
          RLIMIT_STACK, static_cast<rlim_t>(3) << (sizeof(void*) == 8 ? 46 : 30)},
         // 100,000 commands need some 30 MB: std::bad_alloc, uncaught.
         {"catalogue beyond the memory", [](const std::string& p) {
+             std::ofstream(p) << std::string(SHM_SIZE, '\0');
              std::ofstream cmds(p.substr(0, p.size() - 3) + "cmds.conf");
              for (int i = 0; i < 100000; ++i) {
                  cmds << "[c" << i << "]\ncommand = c" << i << "\nbelong module = Tuner\ninstruction = " << i << "\n";
@@ -93,31 +89,25 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         // The emulator keeps limits to itself; the sanitizers and valgrind need more address space than this.
-        if (c.resource >= 0 && (std::getenv("ZO_TEST_EMULATOR") != nullptr || (kSanitized && c.resource == RLIMIT_AS))) {
+        if (c.limit != 0 && (std::getenv("ZO_TEST_EMULATOR") != nullptr || (kSanitized && c.resource == RLIMIT_AS))) {
             continue;
         }
         ConsoleRun run;
-        if (c.resource >= 0) {
-            run.WritePage();
-        }
-        if (c.setup != nullptr) {
-            c.setup(run.Page());
-        }
-        const int resource = c.resource >= 0 ? c.resource : RLIMIT_STACK;
+        c.setup(run.Page());
         struct rlimit found {};
-        getrlimit(resource, &found);
-        const struct rlimit limited = {c.resource >= 0 ? c.limit : found.rlim_cur, found.rlim_max};
-        setrlimit(resource, &limited);
-        const bool started = run.StartProgram({run.Dir().Path()});
-        setrlimit(resource, &found);
+        getrlimit(c.resource, &found);
+        const struct rlimit limited = {c.limit != 0 ? c.limit : found.rlim_cur, found.rlim_max};
+        setrlimit(c.resource, &limited);
+        std::vector<std::string> args = c.args;
+        std::replace(args.begin(), args.end(), std::string("DIR"), run.Dir().Path());
+        const bool started = run.StartProgram(args);
+        setrlimit(c.resource, &found);
         ASSERT_TRUE(started);
 
         EXPECT_EQ(c.end, run.Exit());
         std::string message = c.message;
-        if (message.find("PAGE") != std::string::npos) {
-            message.replace(message.find("PAGE"), 4, run.Page());
-        }
-        EXPECT_EQ(message, run.Pty().Screen());
+        const size_t page = message.find("PAGE");
+        EXPECT_EQ(page == std::string::npos ? message : message.replace(page, 4, run.Page()), run.Pty().Screen());
         struct stat info;
         EXPECT_EQ(c.pageLeft, lstat(run.Page().c_str(), &info) == 0);
         EXPECT_NE(0, lstat(run.Dir().File("made.tv").c_str(), &info));  // the console removed what it created
@@ -126,14 +116,8 @@ TEST(ConsoleEnds, StartupRefusalsExitWith1AndRestoreTheTerminal)
 
 TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
 {
-    const struct rlimit noCore = {0, 0};
-    setrlimit(RLIMIT_CORE, &noCore);  // SIGQUIT would leave a core file
-    struct Case {
-        int signo;
-        const char* keys;  // typed instead of sent when set, after it when the signal is ignored
-        std::string end;
-        bool ignored = false;  // from the start, as under nohup
-    };
+    // keys: typed instead of the signal sent when set, after it when the signal is ignored from the start (nohup).
+    struct Case { int signo; const char* keys; std::string end; bool ignored = false; };
     const Case cases[] = {
         {SIGTERM, nullptr, "signal 15"}, {SIGHUP, nullptr, "signal 1"}, {SIGQUIT, "\x1c", "signal 3"},
         {SIGPIPE, nullptr, "signal 13"}, {SIGHUP, "q\n", "exit 0", true},
@@ -142,19 +126,11 @@ TEST(ConsoleEnds, EndSignalsRestoreTheTerminalAndEndByTheSameSignal)
         SCOPED_TRACE(c.signo);
         ConsoleRun run;
         run.WritePage();
-        PtySession::Options options;
-        options.hangUpIgnored = c.ignored;
-        ASSERT_TRUE(run.StartProgram({run.Dir().Path()}, options));
-        ASSERT_TRUE(run.Pty().WaitFor("TV $")) << run.Pty().Screen();
-        struct termios raw {}, now {};
-        run.Pty().GetAttr(&raw);
-        if (c.keys == nullptr || c.ignored) {
-            ASSERT_EQ(0, kill(run.Pty().Pid(), c.signo));
-        }
+        ASSERT_EQ("", run.StartConsole({nullptr, "", /*hangUpIgnored=*/c.ignored})) << run.Pty().Screen();
+        ASSERT_TRUE((c.keys != nullptr && !c.ignored) || kill(run.Pty().Pid(), c.signo) == 0);
         if (c.ignored) {  // still reading, in raw mode
             EXPECT_EQ("\n", run.Type("\n"));
-            run.Pty().GetAttr(&now);
-            EXPECT_EQ(raw.c_lflag, now.c_lflag);
+            EXPECT_EQ("raw", run.TerminalMode());
         }
         ASSERT_TRUE(c.keys == nullptr || run.Pty().Write(c.keys));
         EXPECT_EQ(c.end, run.Exit());
@@ -187,113 +163,78 @@ TEST(ConsoleEnds, SecondConsoleOnThePageNamesTheFirstOnceAndRuns)
 // error, never anything into the swap file.
 TEST(ConsoleEnds, ClosedStandardDescriptorsNeverLeadIntoTheSwapFile)
 {
-    struct Case {
-        const char* what;
-        bool closed[3];
-        size_t pageBytes;
-        std::string out;  // FIRST stands for the other console's warning
-        std::string err;
-        int status;
-    };
-    const Case cases[] = {
+    // What the console writes to its standard output and error; FIRST stands for the other console's warning.
+    const struct { const char* what; bool closed[3]; size_t pageBytes; std::string out, err; int status; } cases[] = {
         {"all three", {true, true, true}, SHM_SIZE, "", "", 0},
         {"input and error", {true, false, true}, SHM_SIZE, "TV $", "", 0},
         {"output", {false, true, false}, SHM_SIZE, "", "FIRST", 0},
         {"output, page too short", {false, true, false}, SHM_SIZE - 1, "", "", 1},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         ConsoleRun first;
         const std::string page(c.pageBytes, '\0');
         first.Dir().Write(kShmSwapFileName, page);
         ASSERT_TRUE(c.pageBytes < SHM_SIZE || first.StartConsole() == "") << first.Pty().Screen();
-        int out[2], err[2];
-        ASSERT_EQ(0, pipe2(out, O_CLOEXEC));
-        ASSERT_EQ(0, pipe2(err, O_CLOEXEC));
-        const int in = open("/dev/null", O_RDONLY | O_CLOEXEC);  // read to its end at once
-        const pid_t pid = SpawnChild({ZO_CMD_DEBUG_HOST_PATH, first.Dir().Path()}, c.closed[0] ? kClosedFd : in,
-                                     c.closed[1] ? kClosedFd : out[1], c.closed[2] ? kClosedFd : err[1]);
-        close(in);
-        close(out[1]);
-        close(err[1]);
-        const int status = WaitChild(pid);
+        const std::string out = first.Dir().File("out"), err = first.Dir().File("err");
+        const int status = RunChild({ZO_CMD_DEBUG_HOST_PATH, first.Dir().Path()},  // input at its end at once
+                                    {c.closed[0] ? "" : "/dev/null", c.closed[1] ? "" : out, c.closed[2] ? "" : err});
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == c.status) << status;
-        const std::string expected[] = {c.out, c.err};
-        const int* ends[] = {out, err};
-        for (int i = 0; i < 2; ++i) {
-            std::string text = ReadFile("/dev/fd/" + std::to_string(ends[i][0]));
-            EXPECT_EQ(expected[i] == "FIRST" ? AlsoUsedBy(first) : expected[i], text);
-            close(ends[i][0]);
-        }
+        EXPECT_EQ(c.out, ReadFile(out));
+        EXPECT_EQ(c.err == "FIRST" ? AlsoUsedBy(first) : c.err, ReadFile(err));
         EXPECT_EQ(page, ReadFile(first.Page()));
     }
 }
 
-// Ctrl-Z and Ctrl-C typed on the terminal: the terminal raises the signals, the console's own thread acts on them.
-TEST(ConsoleEnds, CtrlZStopsAndFgResumesCtrlCKillsWithSignal9AlsoDuringAWait)
+// Ctrl-C typed on the terminal, also while a request waits for its reply: the console's own thread ends it with
+// SIGKILL. (Ctrl-Z and fg, under a shell, are the job-control tests'.)
+TEST(ConsoleEnds, CtrlCKillsWithSignal9AlsoDuringAWait)
 {
     ConsoleRun run;
     ASSERT_TRUE(run.StartSim({"--no-reply"}));
     ASSERT_EQ("", run.StartConsole());
-    ASSERT_TRUE(run.Pty().Write("\x1a"));
-    siginfo_t info{};
-    for (int ms = 0; ms < 5000 && info.si_code != CLD_STOPPED && poll(nullptr, 0, 2) == 0; ms += 2) {
-        waitid(P_PID, static_cast<id_t>(run.Pty().Pid()), &info, WSTOPPED | WNOHANG | WNOWAIT);
-    }
-    ASSERT_EQ(CLD_STOPPED, info.si_code);
-    EXPECT_EQ("cooked", run.TerminalMode());  // stopped, it leaves the terminal as it found it
-    ASSERT_EQ(0, kill(run.Pty().Pid(), SIGCONT));
-    // Raw again at the signal thread's next look (keys typed before that would be echoed twice); it reads and
-    // answers again, although it now sends itself SIGCONT every 10 ms.
-    ASSERT_TRUE(WaitFor([&] { return run.TerminalMode() == "raw"; })) << run.TerminalMode();
-    EXPECT_EQ("tun\nTuner@", run.Type("tun\n"));
-    ASSERT_TRUE(run.Pty().Write("scan\n"));
+    ASSERT_TRUE(run.Pty().Write("tun\nscan\n"));
     ASSERT_EQ("scan", run.SimLine());  // a request the service never answers
     ASSERT_TRUE(run.Pty().Write("\x03"));
     EXPECT_EQ("signal 9, terminal raw", run.Exit());
 }
 
-// The file is cut to 0 bytes between two commands.
-TEST(ConsoleEnds, TruncatedSwapFileEndsWith1InsteadOfSigbus)
+// The page lost under the mapping between two commands: the file cut to 0 bytes, or a sparse page of full size on a
+// full file system (a small one, mounted in a namespace of the console's own, filled up before the console starts;
+// the simulator, on the service library, cannot reserve the page and says so).
+TEST(ConsoleEnds, PageLostUnderTheMappingEndsWith1InsteadOfSigbus)
 {
     if (std::getenv("ZO_TEST_EMULATOR") != nullptr) {
         GTEST_SKIP() << "qemu-arm dies of the bus error itself instead of passing it to the program";
     }
-    ConsoleRun run;
-    run.WritePage();
-    ASSERT_TRUE(run.StartProgram({run.Dir().Path()}));
-    ASSERT_TRUE(run.Pty().Write("fmt\n"));
-    ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
-    ASSERT_EQ(0, truncate(run.Page().c_str(), 0));
-    ASSERT_TRUE(run.Pty().Write("int 5\n"));
-    EXPECT_EQ("exit 1", run.Exit());
-    const std::string message =
-        "swap file " + run.Page() + " was truncated while mapped: the shared page is lost\r\n";
-    EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
-}
-
-// A sparse page of full size on a full file system: a small one, mounted in a
-// namespace of the console's own, filled up before the console starts. The
-// simulator, on the service library, cannot reserve the page and says so.
-TEST(ConsoleEnds, PageWithoutRoomOnItsFileSystemEndsWith1InsteadOfSigbus)
-{
-    if (std::getenv("ZO_TEST_EMULATOR") != nullptr || system("unshare -rm true >/dev/null 2>&1") != 0) {
-        GTEST_SKIP() << "needs the console run natively in a mount namespace of its own";
-    }
-    ConsoleRun run;
-    const std::string fs = run.Dir().File("fs");
-    const std::string script = "mkdir " + fs + " && mount -t tmpfs -o size=16k zo " + fs + " && cp " +
-                               run.Dir().Path() + "/*.conf " + fs + " && truncate -s 4096 " + ShmSwapFilePath(fs) + " && " +
-                               "{ cat /dev/zero >" + fs + "/fill 2>/dev/null; " + ZO_SERVICE_SIM_PATH + " " + fs + "; exec " +
-                               ZO_CMD_DEBUG_HOST_PATH + " " + fs + "; }";
-    ASSERT_TRUE(run.Pty().Start("unshare", {"-rm", "sh", "-c", script}));
-    ASSERT_TRUE(run.Pty().Write("fmt\n"));
-    ASSERT_TRUE(run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
-    ASSERT_TRUE(run.Pty().Write("int 5\n"));
-    EXPECT_EQ(0u, run.Exit().find("exit 1"));
-    for (const std::string& message : {"can't reserve 4096 bytes for " + ShmSwapFilePath(fs) + ": No space left on device\r\n",
-                                       "swap file " + ShmSwapFilePath(fs) + " could not back the shared page (is its file system"}) {
-        EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
+    for (const bool full : {false, true}) {
+        SCOPED_TRACE(full ? "file system full" : "truncated");
+        if (full && system("unshare -rm true >/dev/null 2>&1") != 0) {
+            GTEST_SKIP() << "needs the console run in a mount namespace of its own";
+        }
+        ConsoleRun run;
+        const std::string fs = full ? run.Dir().File("fs") : run.Dir().Path(), page = ShmSwapFilePath(fs);
+        std::vector<std::string> messages{"swap file " + page + " was truncated while mapped: the shared page is lost"};
+        if (full) {
+            messages = {"can't reserve 4096 bytes for " + page + ": No space left on device\r\n",
+                        "swap file " + page + " could not back the shared page (is its file system"};
+            const std::string script = "mkdir " + fs + " && mount -t tmpfs -o size=16k zo " + fs + " && cp " +
+                                       run.Dir().Path() + "/*.conf " + fs + " && truncate -s 4096 " + page +
+                                       " && { cat /dev/zero >" + fs + "/fill 2>/dev/null; " + ZO_SERVICE_SIM_PATH +
+                                       " " + fs + "; exec " + ZO_CMD_DEBUG_HOST_PATH + " " + fs + "; }";
+            ASSERT_TRUE(run.Pty().Start("unshare", {"-rm", "sh", "-c", script}));
+        } else {
+            run.WritePage();
+            ASSERT_TRUE(run.StartProgram({fs}));
+        }
+        ASSERT_TRUE(run.Pty().Write("fmt\n") && run.Pty().WaitFor("Formats@TV $")) << run.Pty().Screen();
+        ASSERT_TRUE(full || truncate(page.c_str(), 0) == 0);
+        ASSERT_TRUE(run.Pty().Write("int 5\n"));
+        // Under unshare the terminal's settings at the start are unknown.
+        EXPECT_EQ("exit 1", run.Exit().substr(0, full ? 6 : std::string::npos));
+        for (const std::string& message : messages) {
+            EXPECT_NE(std::string::npos, run.Pty().Screen().find(message)) << run.Pty().Screen();
+        }
     }
 }
 

@@ -1,10 +1,6 @@
-// The prompt loop as an engineer meets it, against the simulator: help, modules,
-// the lines the console refuses, a command of each format letter, quitting; and
-// a catalogue that fails to load.
+// The prompt loop as an engineer meets it, against the simulator: help, modules, the lines the console refuses, a
+// command of each format letter, quitting; input from a file; and a catalogue that fails to load.
 #include "console_run.h"
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 static const std::string kHelp = "======= Command ============== Description ============\n";
 static const std::string kFormatsHelp =
@@ -53,21 +49,14 @@ TEST(ConsolePrompt, HelpModulesRefusalsRequestsAndQuit)
     EXPECT_EQ("exit 0", run.Exit());
 }
 
-TEST(ConsoleInput, LinesFromAPipeRunUntilItsEndThenExit0)
+// Lines from a pipe, as the demo script types them, are scripts/test-demo's.
+TEST(ConsoleInput, LinesFromAFileRunUntilItsEndThenExit0)
 {
     ConsoleRun run;
     run.WritePage();
-    const std::string fifo = run.Dir().File("keys");
-    ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
-    // Read and write, so that opening never blocks; closed on exec, so that the console holds no writer.
-    const int keys = open(fifo.c_str(), O_RDWR | O_CLOEXEC);
-    PtySession::Options options;
-    options.stdinPath = fifo;
-    ASSERT_EQ("", run.StartConsole(options));
-    ASSERT_EQ(9, write(keys, "fmt\nhelp\n", 9));
+    ASSERT_EQ("", run.StartConsole({nullptr, /*stdinPath=*/run.Dir().Write("keys", "fmt\nhelp\n")}));
     EXPECT_EQ("fmt\nFormats@", run.Type(""));  // each prompt shows before the next line is read
     EXPECT_EQ("help\n" + kFormatsHelp + "Formats@", run.Type(""));
-    close(keys);
     EXPECT_EQ("exit 0", run.Exit());
 }
 

@@ -1,5 +1,5 @@
-// Parcel bytes written as hex, four bytes (one parcel word) to a group:
-// "12000000 05000000" is the int32 values 0x12 and 5.
+// Parcel bytes written as hex, four bytes (one parcel word) to a group: "12000000 05000000" is the int32 values 0x12
+// and 5.
 #ifndef ZO_TESTS_SUPPORT_HEX_WORDS_H
 #define ZO_TESTS_SUPPORT_HEX_WORDS_H
 

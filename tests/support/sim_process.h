@@ -1,44 +1,22 @@
-// The real zo_service_sim as a second process on the directory `dir`, which
-// holds the catalogue a test writes. Start waits until the simulator has made
-// the page and maps it as the console does; ReadLine takes its standard
-// output line by line; its standard error goes to dir/sim.err. The process is
-// killed when the object goes, or when the next one starts. Every wait has a
-// deadline.
+// The real zo_service_sim as a second process on the directory `dir`, which holds the catalogue a test writes. Start
+// waits until the simulator has made the page and maps it as the console does; ReadLine takes its standard output
+// (dir/sim.out) line by line, its standard error goes to dir/sim.err. It is killed when the object goes or the next
+// one starts. Every wait has a deadline.
 #ifndef ZO_TESTS_SUPPORT_SIM_PROCESS_H
 #define ZO_TESTS_SUPPORT_SIM_PROCESS_H
 
-#include <algorithm>
-#include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 
 #include "child_program.h"
+#include "hex_words.h"
 #include "temp_dir.h"
 #include "zo_shm_page.h"
-
-using Bytes = std::vector<uint8_t>;
-using Clock = std::chrono::steady_clock;
-
-// Polls cond every millisecond; false when the deadline passes first.
-template <typename Cond>
-bool WaitFor(Cond cond, std::chrono::milliseconds timeout = std::chrono::milliseconds(3000))
-{
-    const auto deadline = Clock::now() + timeout;
-    while (!cond()) {
-        if (Clock::now() >= deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
 
 class SimProcess {
 public:
@@ -46,39 +24,26 @@ public:
 
     ~SimProcess() { Stop(); }
 
-    // Starts the simulator on dir with these options; true once its page is mapped.
+    // Starts the simulator on dir with these options; true once it says it answers (a request posted before it
+    // opened the page would be stale) and the page is mapped.
     bool Start(const std::vector<std::string>& options = {})
     {
         std::vector<std::string> args = options;
         args.insert(args.begin(), dir.Path());
         Spawn(args);
         m_options = options;
-        struct stat st {};
-        const std::string path = ShmSwapFilePath(dir.Path());
-        // Once it says so: a request posted before it opened the page would be stale.
-        const auto ready = [&] {
-            return Errors().find("zo_service_sim: answering ") != std::string::npos && stat(path.c_str(), &st) == 0 &&
-                   st.st_size >= off_t(SHM_SIZE);
-        };
-        const int fd = WaitFor(ready, Ms(10000))
-                           ? open(path.c_str(), O_RDWR | O_CLOEXEC)
-                           : -1;
-        void* page = fd < 0 ? MAP_FAILED : mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
-        close(fd);
-        m_page = page == MAP_FAILED ? nullptr : page;
+        if (WaitFor([&] { return Errors().find("zo_service_sim: answering ") != std::string::npos; }, Ms(10000))) {
+            const int fd = open(ShmSwapFilePath(dir.Path()).c_str(), O_RDWR | O_CLOEXEC);
+            void* page = mmap(nullptr, SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+            close(fd);
+            m_page = page == MAP_FAILED ? nullptr : page;
+        }
         return m_page != nullptr;
     }
     // Starts it unless it runs with these options already.
-    bool Use(const std::vector<std::string>& options)
-    {
-        return (m_page != nullptr && m_options == options) || Start(options);
-    }
+    bool Use(const std::vector<std::string>& options) { return (m_page && m_options == options) || Start(options); }
     // The wait status of a whole run with exactly these arguments.
-    int Run(const std::vector<std::string>& args)
-    {
-        Spawn(args);
-        return Signal(0);
-    }
+    int Run(const std::vector<std::string>& args) { return Spawn(args), Signal(0); }
     // Sends sig (none for 0) and returns the wait status once the simulator has ended.
     int Signal(int sig)
     {
@@ -90,42 +55,36 @@ public:
     // The next line of standard output without its line end; "<timeout>" when none comes in time.
     std::string ReadLine(Ms timeout = Ms(3000))
     {
-        const auto deadline = Clock::now() + timeout;
-        size_t eol;
-        while ((eol = m_out.find('\n')) == std::string::npos) {
-            const auto left = std::chrono::duration_cast<Ms>(deadline - Clock::now()).count();
-            struct pollfd p = {m_pipe, POLLIN, 0};
-            char chunk[512];
-            ssize_t n = 0;
-            if (left <= 0 || poll(&p, 1, int(left)) <= 0 || (n = read(m_pipe, chunk, sizeof chunk)) <= 0) {
-                return "<timeout>";
-            }
-            m_out.append(chunk, size_t(n));
+        std::string out;
+        size_t eol = std::string::npos;
+        const auto lineEnds = [&] {
+            return (eol = (out = ReadFile(dir.File("sim.out"))).find('\n', m_read)) != std::string::npos;
+        };
+        if (!WaitFor(lineEnds, timeout)) {
+            return "<timeout>";
         }
-        const std::string line = m_out.substr(0, eol);
-        m_out.erase(0, eol + 1);
+        const std::string line = out.substr(m_read, eol - m_read);
+        m_read = eol + 1;
         return line;
     }
     std::string Errors() const { return ReadFile(dir.File("sim.err")); }
 
-    // The console's side of the page: posts a request as the console does,
-    // with size in u32Size, and takes the reply once bit 1 is set.
+    // The console's side of the page: posts a request (hex words) as the console does and returns the line the
+    // simulator prints for it.
     void* Page() const { return m_page; }
-    void Post(const Bytes& request, uint32_t size)
+    std::string Ask(const std::string& hex)
     {
+        const std::vector<uint8_t> request = FromHex(hex);
         std::memcpy(ShmPayloadOf(m_page), request.data(), request.size());
-        ShmStoreSize(m_page, size);
+        ShmStoreSize(m_page, uint32_t(request.size()));
         ShmStoreFlag(m_page, SHM_FLAG_REQUEST);
+        return ReadLine();
     }
-    bool WaitReply(Ms timeout = Ms(3000)) const
+    // The reply as hex words once bit 1 is set, by u32Size cut to the page; empty when none comes in time.
+    std::string Reply(Ms timeout = Ms(3000)) const
     {
-        return WaitFor([this] { return (ShmLoadFlag(m_page) & SHM_FLAG_REPLY) != 0; }, timeout);
-    }
-    // The reply by u32Size, cut to the page when it claims more; empty when none comes.
-    Bytes Reply() const
-    {
-        const uint8_t* payload = ShmPayloadOf(m_page);
-        return WaitReply() ? Bytes(payload, payload + std::min<uint32_t>(ShmLoadSize(m_page), SHM_DATA_SIZE)) : Bytes();
+        const bool replied = WaitFor([this] { return (ShmLoadFlag(m_page) & SHM_FLAG_REPLY) != 0; }, timeout);
+        return replied ? HexWords(ShmPayloadOf(m_page), std::min<uint32_t>(ShmLoadSize(m_page), SHM_DATA_SIZE)) : "";
     }
 
     TempDir dir;
@@ -135,35 +94,25 @@ private:
     {
         Stop();
         args.insert(args.begin(), ZO_SERVICE_SIM_PATH);
-        int out[2];
-        if (pipe2(out, O_CLOEXEC) == 0) {
-            const int err = open(dir.File("sim.err").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-            m_pid = SpawnChild(args, -1, out[1], err);
-            close(err);
-            close(out[1]);
-            m_pipe = out[0];
-        }
+        const int out = OpenForChild(dir.File("sim.out")), err = OpenForChild(dir.File("sim.err"));
+        m_pid = SpawnChild(args, -1, out, err);
+        close(out);
+        close(err);
     }
     void Stop()
     {
-        if (m_pid > 0) {
-            kill(m_pid, SIGKILL);
-            waitpid(m_pid, nullptr, 0);
-        }
+        WaitChild(m_pid, 0);  // kills and reaps it
         if (m_page != nullptr) {
             munmap(m_page, SHM_SIZE);
         }
-        close(m_pipe);
-        m_pid = m_pipe = -1;
+        m_pid = -1;
         m_page = nullptr;
-        m_out.clear();
+        m_read = 0;
     }
 
     pid_t m_pid = -1;
-    int m_pipe = -1;
     void* m_page = nullptr;
     std::vector<std::string> m_options;
-    std::string m_out;
+    size_t m_read = 0;  // what ReadLine has taken of standard output
 };
-
 #endif  // ZO_TESTS_SUPPORT_SIM_PROCESS_H
