@@ -13,39 +13,34 @@ ZoShmReply::ZoShmReply(const ZoShmCommand& command, android::Parcel& values) : m
     }
 }
 
-void ZoShmReply::PutInt32(int32_t value)
+namespace {
+
+ZoFormatValue Integer(int64_t integer)
 {
-    ZoFormatValue v;
-    v.integer = value;
-    Put('d', v);
+    ZoFormatValue value;
+    value.integer = integer;
+    return value;
 }
 
-void ZoShmReply::PutInt64(int64_t value)
+ZoFormatValue Real(double real)
 {
-    ZoFormatValue v;
-    v.integer = value;
-    Put('D', v);
+    ZoFormatValue value;
+    value.real = real;
+    return value;
 }
 
-void ZoShmReply::PutFloat(float value)
-{
-    ZoFormatValue v;
-    v.real = value;
-    Put('f', v);
-}
+}  // namespace
 
-void ZoShmReply::PutDouble(double value)
-{
-    ZoFormatValue v;
-    v.real = value;
-    Put('F', v);
-}
+void ZoShmReply::PutInt32(int32_t value) { Put('d', Integer(value)); }
+void ZoShmReply::PutInt64(int64_t value) { Put('D', Integer(value)); }
+void ZoShmReply::PutFloat(float value) { Put('f', Real(value)); }
+void ZoShmReply::PutDouble(double value) { Put('F', Real(value)); }
 
 void ZoShmReply::PutText(const std::string& text)
 {
-    ZoFormatValue v;
-    v.text = text;
-    Put('s', v);
+    ZoFormatValue value;
+    value.text = text;
+    Put('s', value);
 }
 
 void ZoShmReply::Put(char letter, const ZoFormatValue& value)
