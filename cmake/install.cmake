@@ -84,28 +84,10 @@ foreach(program zo_cmd_debug_host zo_conf_check zo_service_sim)
 endforeach()
 
 install(TARGETS ${ZO_PACKAGE_TARGETS} EXPORT ZoShmServiceTargets ARCHIVE DESTINATION lib)
-# A folder may hold code of libraries outside the package too: a header whose
-# source no packaged library compiles stays out.
-set(packaged_sources "")
-foreach(target IN LISTS ZO_PACKAGE_TARGETS)
-  get_target_property(dir ${target} SOURCE_DIR)
-  get_target_property(sources ${target} SOURCES)
-  foreach(src IN LISTS sources)
-    get_filename_component(src ${src} ABSOLUTE BASE_DIR ${dir})
-    list(APPEND packaged_sources ${src})
-  endforeach()
-endforeach()
+# Each packaged folder holds only packaged code (the console's half of the
+# page lives in console/), so its headers go whole.
 foreach(rel IN LISTS ZO_PACKAGE_HEADER_DIRS)
-  file(GLOB sources_here ${PROJECT_SOURCE_DIR}/${rel}/*.cc)
-  set(foreign "")
-  foreach(src IN LISTS sources_here)
-    if(NOT src IN_LIST packaged_sources)
-      get_filename_component(stem ${src} NAME_WE)
-      list(APPEND foreign PATTERN ${stem}.h EXCLUDE)
-    endif()
-  endforeach()
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${rel}/ DESTINATION include/zo_cmd_debug/${rel}
-    FILES_MATCHING PATTERN "*.h" ${foreign})
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${rel}/ DESTINATION include/zo_cmd_debug/${rel} FILES_MATCHING PATTERN "*.h")
 endforeach()
 set(ZO_PACKAGE_DIR lib/cmake/ZoShmService)
 install(EXPORT ZoShmServiceTargets NAMESPACE ZoShmService:: DESTINATION ${ZO_PACKAGE_DIR})
