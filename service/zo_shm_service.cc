@@ -192,22 +192,15 @@ ZoShmService::Outcome ZoShmService::ServeOne()
 
 std::vector<uint8_t> ZoShmService::Dispatch(const uint8_t* request, size_t length, Outcome* outcome)
 {
-    Outcome done;
-    std::vector<uint8_t> reply = Reply(request, length, length, false, done);
-    if (outcome != nullptr) {
-        *outcome = std::move(done);
-    }
-    return reply;
+    Outcome ignored;
+    return Reply(request, length, length, false, outcome != nullptr ? *outcome : ignored);
 }
 
 std::vector<uint8_t> ZoShmService::Dispatch(const ZoShmRequest& request, Outcome* outcome)
 {
-    Outcome done;
-    std::vector<uint8_t> reply = Reply(request.payload, request.length, request.u32Size, request.stale, done);
-    if (outcome != nullptr) {
-        *outcome = std::move(done);
-    }
-    return reply;
+    Outcome ignored;
+    return Reply(request.payload, request.length, request.u32Size, request.stale,
+                 outcome != nullptr ? *outcome : ignored);
 }
 
 bool ZoShmService::TakeRequest(ZoShmRequest& request)
