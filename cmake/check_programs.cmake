@@ -9,7 +9,8 @@
 # Usage: cmake -DBUILD_DIR=DIR -DROOT=DIR -P check_programs.cmake
 
 # program, then an argument that is a usage error ("none" for no argument)
-foreach(run "zo_cmd_debug_host;none" "zo_cmd_debug_host;--quiet" "zo_service_sim;none" "zo_conf_check;--loud")
+foreach(run "zo_cmd_debug_host;none" "zo_cmd_debug_host;--quiet" "zo_service_sim;none" "zo_conf_check;--loud"
+    "zo_demo_tv;none")
   list(GET run 0 program)
   list(GET run 1 arg)
   string(REGEX REPLACE "^none$" "" arg ${arg})
@@ -64,4 +65,4 @@ endforeach()
 if(examples EQUAL 0)
   message(FATAL_ERROR "no example found in ${ROOT}/README.md or ${ROOT}/docs/")
 endif()
-message(STATUS "3 programs follow the conventions; ${examples} examples print what they show")
+message(STATUS "4 programs follow the conventions; ${examples} examples print what they show")

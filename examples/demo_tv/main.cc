@@ -12,6 +12,7 @@
 #include "tv_service.h"
 #include "tv_state.h"
 #include "zo_shm_catalogue_service.h"
+#include "zo_usage_error.h"
 
 namespace {
 
@@ -39,10 +40,9 @@ void OnStopSignal(int)
     g_service->Stop();
 }
 
-int UsageError(const std::string& error)
+int UsageError(const std::string& reason)
 {
-    std::fprintf(stderr, "zo_demo_tv: %s\n%s", error.c_str(), kUsage);
-    return 2;
+    return ZoUsageError("zo_demo_tv", reason, "zo_demo_tv DIR");
 }
 
 }  // namespace
